@@ -6,6 +6,12 @@
 # the part's own (<name>/pch.h) is used where it exists.
 function(orv_part name)
   cmake_parse_arguments(part "" "" "SOURCES;LINK;HEADERS" ${ARGN})
+  if(NOT part_SOURCES)
+    # Headers alone.
+    add_library(${name}_part INTERFACE)
+    target_link_libraries(${name}_part INTERFACE orv_compile ${part_LINK})
+    return()
+  endif()
   add_library(${name}_part STATIC ${part_SOURCES})
   target_link_libraries(${name}_part PUBLIC orv_compile ${part_LINK})
   if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/pch.h")
