@@ -3,7 +3,15 @@
 # installs them.
 find_package(Threads REQUIRED)
 find_package(PkgConfig REQUIRED)
-find_package(OpenCV 4 REQUIRED COMPONENTS core imgproc)
+# Two libraries of OpenCV alone, found without its package file: that one belongs to the package of all of OpenCV.
+find_path(OPENCV_INCLUDE_DIR opencv2/core.hpp PATH_SUFFIXES opencv4 REQUIRED)
+foreach(orv_cv_part core imgproc)
+  find_library(OPENCV_${orv_cv_part}_LIBRARY opencv_${orv_cv_part} REQUIRED)
+  add_library(orv_cv_${orv_cv_part} INTERFACE)
+  add_library(cv::${orv_cv_part} ALIAS orv_cv_${orv_cv_part})
+  target_include_directories(orv_cv_${orv_cv_part} SYSTEM INTERFACE "${OPENCV_INCLUDE_DIR}")
+  target_link_libraries(orv_cv_${orv_cv_part} INTERFACE "${OPENCV_${orv_cv_part}_LIBRARY}")
+endforeach()
 find_package(Boost REQUIRED)
 find_package(nlohmann_json 3 REQUIRED)
 find_package(OpenSSL 3 REQUIRED COMPONENTS Crypto)
@@ -19,7 +27,7 @@ pkg_check_modules(QPDF REQUIRED IMPORTED_TARGET libqpdf)
 # wx-config names flags only, so the targets are made here.
 find_program(WX_CONFIG wx-config REQUIRED)
 foreach(orv_wx_part base net core)
-  execute_process(COMMAND "${WX_CONFIG}" --cxxflags ${orv_wx_part}
+  execute_process(COMMAND "${WX_CONFIG}" --cxxflags core
     OUTPUT_VARIABLE orv_wx_cxxflags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   execute_process(COMMAND "${WX_CONFIG}" --libs ${orv_wx_part}
     OUTPUT_VARIABLE orv_wx_libs OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
