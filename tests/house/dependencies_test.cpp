@@ -64,7 +64,8 @@ TEST(Dependencies, IncludeToTheLeft_IsAllowed) {
 TEST(Dependencies, EveryLibrary_IncludesOnlyWhatIsToItsLeft) {
     int files = 0;
     for (const std::string& library : kOrder) {
-        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(fs::path(ORVELLE_SOURCE_DIR) / library)) {
+        for (const fs::directory_entry& entry :
+             fs::recursive_directory_iterator(fs::path(ORVELLE_SOURCE_DIR) / library)) {
             if (!entry.is_regular_file() || !IsSource(entry.path())) continue;
             ++files;
             for (const std::string& line : WrongIncludes(library, Text(entry.path())))
@@ -78,7 +79,8 @@ TEST(Dependencies, EveryLibrary_IncludesOnlyWhatIsToItsLeft) {
 TEST(Dependencies, NoSource_NamesAMachinePath) {
     const std::regex machine(R"(/(home|root|work|Users)/[a-z])");
     for (const std::string& library : kOrder) {
-        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(fs::path(ORVELLE_SOURCE_DIR) / library)) {
+        for (const fs::directory_entry& entry :
+             fs::recursive_directory_iterator(fs::path(ORVELLE_SOURCE_DIR) / library)) {
             if (!entry.is_regular_file() || !IsSource(entry.path())) continue;
             EXPECT_FALSE(std::regex_search(Text(entry.path()), machine)) << entry.path();
         }

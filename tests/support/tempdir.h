@@ -52,4 +52,6 @@ inline std::string ReadBytes(const wxString& path) {
 }  // namespace support
 
 // How GoogleTest shows a text.
-inline void PrintTo(const wxString& text, std::ostream* out) { *out << '"' << text.utf8_str().data() << '"'; }
+inline void PrintTo(const wxString& text, std::ostream* out) {
+    *out << '"' << text.utf8_str().data() << '"';
+}

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+// Runs a program and tells what it took. No shell.
+#pragma once
+#include <string>
+#include <vector>
+
+namespace bench {
+
+// What one run of a program took.
+struct Cost {
+    double wallSeconds = 0;
+    double processorSeconds = 0;  // user and system, children that were waited for included
+    long peakKilobytes = 0;       // largest resident set of the program or one of its children
+    int exitCode = -1;            // -1 when it could not be started or ended by a signal
+};
+
+// Standard output and error output go to /dev/null. Throws std::runtime_error when the program can't be started.
+Cost Run(const std::vector<std::string>& arguments);
+
+// The run with the median wall time of `times` runs.
+Cost MedianRun(const std::vector<std::string>& arguments, int times);
+
+double Median(std::vector<double> values);
+
+}  // namespace bench
