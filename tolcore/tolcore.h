@@ -1,0 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
+// Everything that tolcore offers.
+#pragma once
+#include "tolcore/camerasizes.h"  // IWYU pragma: export
