@@ -65,6 +65,11 @@ public:
     // caller owns it. The response to the command has to come from another thread.
     OrvCommandEvent* PostTestResponse();
 
+    // Commands that the worker has done with since it was started, those that threw included. Waiting until the count
+    // has been reached gives false after `milliseconds`. A program without an event loop takes its turn so.
+    std::uint64_t GetCommandsDone() const;
+    bool WaitForCommandsDone(std::uint64_t count, int milliseconds) const;
+
     // Ends the thread and waits for it: raises the abort state until the running command is left, drops what waits, and
     // asks for no response. Prompt if the running command heeds the abort state. May be called twice, not on the
     // worker.
@@ -89,8 +94,8 @@ private:
     std::atomic<bool> m_test{false};
     std::atomic<bool> m_timerActive{false};
     std::atomic<bool> m_closing{false};
-    std::mutex m_endMutex;
-    std::condition_variable m_endCondition;
-    bool m_entered = false;
+    mutable std::mutex m_stateMutex;
+    mutable std::condition_variable m_stateChanged;
+    std::uint64_t m_commandsDone = 0;
     bool m_left = false;
 };

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+// Small photographs made by code: JPEG streams, and EXIF data for them with a camera and a thumbnail.
+#pragma once
+#include <cstddef>
+#include <cstdio>
+// jpeglib.h needs the two above.
+#include <jpeglib.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace support {
+
+// A JPEG stream with smooth colours that depend on `seed`, three components, 4:2:0.
+inline std::string EncodeJpeg(int width, int height, int quality = 90, unsigned seed = 1) {
+    jpeg_compress_struct info;
+    jpeg_error_mgr errors;
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&info);
+    unsigned char* bytes = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&info, &bytes, &size);
+    info.image_width = static_cast<JDIMENSION>(width);
+    info.image_height = static_cast<JDIMENSION>(height);
+    info.input_components = 3;
+    info.in_color_space = JCS_RGB;
+    jpeg_set_defaults(&info);
+    jpeg_set_quality(&info, quality, TRUE);
+    jpeg_start_compress(&info, TRUE);
+    std::vector<unsigned char> row(static_cast<std::size_t>(width) * 3);
+    while (info.next_scanline < info.image_height) {
+        unsigned const y = info.next_scanline;
+        for (unsigned x = 0; x < info.image_width; ++x) {
+            row[3 * x] = static_cast<unsigned char>(x * 3 + seed * 40);
+            row[3 * x + 1] = static_cast<unsigned char>(y * 2 + seed * 7);
+            row[3 * x + 2] = static_cast<unsigned char>((x + y) / 2);
+        }
+        JSAMPROW line = row.data();
+        jpeg_write_scanlines(&info, &line, 1);
+    }
+    jpeg_finish_compress(&info);
+    jpeg_destroy_compress(&info);
+    std::string const result(reinterpret_cast<char const*>(bytes), size);
+    std::free(bytes);
+    return result;
+}
+
+// Builds a little-endian EXIF block piece by piece.
+class ExifBytes {
+public:
+    void Short(unsigned value) {
+        for (int i = 0; i < 2; ++i) m_bytes += static_cast<char>(value >> (8 * i));
+    }
+    void Long(std::size_t value) {
+        for (int i = 0; i < 4; ++i) m_bytes += static_cast<char>(value >> (8 * i));
+    }
+    void Entry(unsigned tag, unsigned type, std::size_t count, std::size_t value) {
+        Short(tag);
+        Short(type);
+        Long(count);
+        Long(value);
+    }
+    void Raw(std::string const& bytes) { m_bytes += bytes; }
+    std::string const& Bytes() const { return m_bytes; }
+
+private:
+    std::string m_bytes;
+};
+
+// The stream with an EXIF segment behind its SOI marker: make and model, and the thumbnail if it isn't empty. Texts are
+// longer than three bytes, so that each stands at an offset.
+inline std::string WithExif(std::string const& jpeg, std::string const& make, std::string const& model,
+                            std::string const& thumbnail = std::string()) {
+    std::size_t const ifd0 = 8, ifd0Size = 2 + 2 * 12 + 4, ifd1Size = 2 + 3 * 12 + 4;
+    std::size_t const texts = ifd0 + ifd0Size + ifd1Size;
+    std::string const first = make + std::string(1, '\0'), second = model + std::string(1, '\0');
+    ExifBytes tiff;
+    tiff.Raw(std::string("II*\0", 4));
+    tiff.Long(ifd0);
+    tiff.Short(2);
+    tiff.Entry(0x010f, 2, first.size(), texts);
+    tiff.Entry(0x0110, 2, second.size(), texts + first.size());
+    tiff.Long(thumbnail.empty() ? 0 : ifd0 + ifd0Size);
+    tiff.Short(3);
+    tiff.Entry(0x0103, 3, 1, 6);
+    tiff.Entry(0x0201, 4, 1, texts + first.size() + second.size());
+    tiff.Entry(0x0202, 4, 1, thumbnail.size());
+    tiff.Long(0);
+    tiff.Raw(first + second + thumbnail);
+    std::string const payload = std::string("Exif\0\0", 6) + tiff.Bytes();
+    std::size_t const length = payload.size() + 2;
+    std::string const head = {'\xFF', '\xE1', static_cast<char>(length >> 8), static_cast<char>(length & 0xff)};
+    return jpeg.substr(0, 2) + head + payload + jpeg.substr(2);
+}
+
+}  // namespace support
