@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+// All of tolimage for its users.
+#pragma once
+#include "tolimage/components.h"
+#include "tolimage/exiftool.h"
+#include "tolimage/imagedetails.h"
+#include "tolimage/imageio.h"
+#include "tolimage/jpeginfo.h"
+#include "tolimage/jpegmarkers.h"
+#include "tolimage/jpegsignature.h"
+#include "tolimage/metadata.h"
+#include "tolimage/pdfimages.h"
+#include "tolimage/subimages.h"
