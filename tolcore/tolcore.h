@@ -2,3 +2,5 @@
 // Everything that tolcore offers.
 #pragma once
 #include "tolcore/camerasizes.h"  // IWYU pragma: export
+#include "tolcore/levels.h"  // IWYU pragma: export
+#include "tolcore/saturation.h"  // IWYU pragma: export
