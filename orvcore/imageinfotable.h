@@ -56,13 +56,17 @@ private:
     };
     struct Facts;
 
+    void EvaluateFile(wxString const& path);
+    void SearchSignatures(Facts& facts) const;
     void SetText(size_t row, wxString const& text);
     void SetNumber(size_t row, int number);
     void SetSize(size_t row, int width, int height);
+    void SetImageSize(size_t row, size_t normalizedRow, Image const& image);
     void FillImageRows(Facts const& facts);
     void FillMetadataRows(Facts const& facts);
     void FillJpegRows(Facts const& facts);
     void FillFileRows(Facts const& facts);
+    void FillHashRows(wxString const& path);
 
     void TestRules(Facts const& facts);
     void TestSizes(Facts const& facts);

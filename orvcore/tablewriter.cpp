@@ -57,8 +57,7 @@ void AppendPadded(wxString& text, wxString const& cell, int width) {
 // What a cell counts for in a column of numbers. A cell that says "nan" must not break the order: it counts as any
 // other text that is no number.
 double NumericKey(wxString const& cell) {
-    wxString text = cell;
-    text.StartsWith(OrvMarkerHard, &text);
+    wxString text = cell.StartsWith(OrvMarkerHard) ? cell.Mid(1) : cell;
     if (text.empty()) text = "-1000000000";
     const double number = FromString<double>(text);
     return std::isnan(number) ? 0.0 : number;
