@@ -9,6 +9,8 @@ class ORV_API OrvFilterOriginal : public OrvFilter {
 public:
     OrvFilterOriginal();
 
+    // Forgets the view of an earlier run.
+    void PreApply() override;
     void Apply(OrvFileId id) override;
     wxString GetOutputFileSelectorString() const override;
     // The format of image caches, since the result to save is a picture.

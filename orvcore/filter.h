@@ -255,22 +255,24 @@ protected:
     wxString m_name;
     uint64_t m_filterId = 0;
     OrvFilterGuiBase* m_gui = nullptr;
+    // Beside m_lastFilename: where the slot's results go, which tells two contents under one path apart.
+    wxString m_lastBasePath[2];
 
     static uint64_t sm_filterCount;
     static uint64_t sm_lastFilterId;
 
 private:
-    // How a slot goes on behind the tests of a run.
-    enum class SlotPath { Finish, Display, Aborted };
+    // What one run knows of itself.
     struct RunState;
 
-    void AddConfigurationsFrom(size_t level, const std::vector<int64_t>& counts);
-    void TakeParameters(const VecParameter& input, const VecParameter& postProcessing, RunState& run);
+    size_t CountDefaultValues(size_t index) const;
+    void AddCombinations(size_t level, const std::vector<size_t>& counts);
+    void FindActiveConfiguration(const VecParameter& input);
     void DetectChanges(RunState& run);
+    void TakeParameters(const VecParameter& input, const VecParameter& postProcessing, RunState& run);
     void RunSlots(RunState& run);
     void RunSlot(OrvFileId id, RunState& run);
-    SlotPath CalculateSlot(OrvFileId id, RunState& run);
-    void ClearOutput(OrvFileId id);
+    bool ObtainResult(OrvFileId id, RunState& run);
     void FinishRun(const RunState& run);
     wxWindow* GetPanelWindow() const;
 };
