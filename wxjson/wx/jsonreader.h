@@ -26,8 +26,10 @@ enum {
         wxJSONREADER_ALLOW_COMMENTS | wxJSONREADER_CASE | wxJSONREADER_MISSING | wxJSONREADER_MULTISTRING
 };
 
-// Arrays and objects nested deeper than this are an error.
-constexpr int wxJSON_MAX_DEPTH = 256;
+// Arrays and objects nested deeper than this are an error, unless SetLimits says else; and the most that it may say,
+// since values are copied and freed by recursion.
+constexpr int wxJSON_MAX_DEPTH = 512;
+constexpr int wxJSON_HARD_DEPTH = 4096;
 // A longer text is an error, told before it is read whole.
 constexpr std::size_t wxJSON_MAX_BYTES = std::size_t{512} * 1024 * 1024;
 
@@ -43,6 +45,9 @@ public:
     // The same for bytes in UTF-8.
     int ParseUtf8(const std::string& text, wxJSONValue* value);
 
+    // The deepest nesting and the longest text that are read.
+    void SetLimits(int maxDepth, std::size_t maxBytes);
+
     int GetErrorCount() const { return static_cast<int>(m_errors.size()); }
     int GetWarningCount() const { return static_cast<int>(m_warnings.size()); }
     // One sentence each, with line and column; at most `maxErrors`.
@@ -54,11 +59,14 @@ public:
 private:
     void AddError(const wxString& message);
     void AddWarning(const wxString& message);
-    bool ParseStrict(const std::string& text, wxJSONValue* value, std::string* message);
+    // Empty for good, else what is wrong.
+    std::string ParseStrict(const std::string& text, wxJSONValue* value);
 
     int m_flags;
     int m_maxErrors;
     int m_depth = 0;
+    int m_maxDepth = wxJSON_MAX_DEPTH;
+    std::size_t m_maxBytes = wxJSON_MAX_BYTES;
     wxArrayString m_errors;
     wxArrayString m_warnings;
 };
