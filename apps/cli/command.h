@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+// One sub-command: what it takes, and what it does. A new one is a file of its own and a line in commands.cpp.
+#pragma once
+
+#include <CLI/App.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "apps/cli/exitcodes.h"
+#include "apps/cli/terminal.h"
+
+namespace cli {
+
+// What all commands share: the global options, and the way to the person.
+struct Environment {
+    Terminal terminal;
+    std::string documents;  // --documents; empty for the default
+};
+
+class Command {
+public:
+    virtual ~Command() = default;
+
+    // Adds the command's options and arguments. They are kept in the command itself.
+    virtual void Define(CLI::App& app) = 0;
+    // Does the work. Throws Failure where it can't go on.
+    virtual ExitCode Run(Environment& environment) = 0;
+};
+
+// How a command is known; it is made only if it is asked for or to tell its help.
+struct CommandEntry {
+    char const* name;
+    char const* summary;
+    std::unique_ptr<Command> (*make)();
+};
+
+// In the order of the help.
+std::vector<CommandEntry> const& AllCommands();
+
+std::unique_ptr<Command> MakeInfoCommand();
+std::unique_ptr<Command> MakeOptionsCommand();
+std::unique_ptr<Command> MakeQtCommand();
+
+}  // namespace cli

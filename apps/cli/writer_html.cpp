@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+// One page with a table for each file.
+#include "apps/cli/recordwriter.h"
+#include "apps/cli/text.h"
+#include "tolbase/htmlwriter.h"
+#include "tolbase/text.h"
+
+namespace cli {
+
+namespace {
+
+class PageWriter : public RecordWriter {
+public:
+    PageWriter(Output& output, RecordStyle const& style) : m_output(output), m_style(style) {
+        Put(HtmlWriter::DoHeader(wxString(), FromUtf8(m_style.title)));
+    }
+
+    void Add(Record const& record) override {
+        const std::string heading = (record.slot == "reference" ? "Reference: " : "") + Printable(record.path);
+        Put(HtmlWriter::DoH(1, EscapeHtmlString(FromUtf8(heading)), wxString()));
+        Put(HtmlWriter::DoP(EscapeHtmlString(FromUtf8("SHA256 " + record.sha256))));
+        wxString rows;
+        for (RecordRow const& row : record.rows) {
+            rows += HtmlWriter::DoTrRedExcl({FromUtf8(row.title), FromUtf8(row.value), FromUtf8(row.warnings)});
+        }
+        Put(HtmlWriter::DoTable(rows));
+        m_output.Flush();
+    }
+
+    void End() override { Put(HtmlWriter::DoFooter()); }
+
+private:
+    void Put(wxString const& fragment) { m_output.Write(ToUtf8(fragment)); }
+
+    Output& m_output;
+    RecordStyle m_style;
+};
+
+}  // namespace
+
+std::unique_ptr<RecordWriter> MakeHtmlWriter(Output& output, RecordStyle const& style) {
+    return std::make_unique<PageWriter>(output, style);
+}
+
+}  // namespace cli
