@@ -57,20 +57,23 @@ public:
     FigureScale const& GetScale() const { return m_scale; }
 
     void Add(Series const& series) { m_series.push_back(series); }
-    // Draws into `picture` (8 bits a channel), whose content is lost.
-    void DrawInto(_IplImage* picture);
+    // Draws into `picture` (8 bits a channel), whose content is lost. With `bars` each point stands on a line from the
+    // lower border, otherwise points are joined. Values that are no finite numbers are left out.
+    void DrawInto(_IplImage* picture, bool bars);
     // Draws into a new picture and saves it under the figure's name; a file of that name is replaced. False if the
     // picture could not be written.
-    bool DrawToFile();
+    bool DrawToFile(bool bars);
 
 private:
     void Initialise();
     void ScanSeries();
-    int ColumnOf(float x) const;
-    int RowOf(float y) const;
+    void SetScales();
+    // The pixel of a point; false for a point that has none.
+    bool PixelOf(float x, float y, CvPoint& pixel) const;
+    void Draw(_IplImage* picture, bool bars);
     void DrawAxes(_IplImage* picture) const;
-    void DrawAxisTexts(_IplImage* picture, int axisX, int axisY, float yReference) const;
-    void DrawSeries(_IplImage* picture, Series const& series) const;
+    void DrawAxisTexts(_IplImage* picture, CvPoint crossing, float yReference) const;
+    void DrawSeries(_IplImage* picture, Series const& series, bool bars) const;
     void DrawLegend(_IplImage* picture) const;
     CvScalar NextColour();
 
@@ -84,9 +87,6 @@ private:
     bool m_customRange = false;
     int m_colourCounter = 0;
     std::vector<Series> m_series;
-    bool m_bars = false;
-
-    friend class PlotManager;
 };
 
 // The figures of the process by name.
@@ -110,8 +110,6 @@ private:
 
     mutable std::mutex m_mutex;
     std::vector<std::unique_ptr<Figure>> m_figures;
-    Figure* m_activeFigure = nullptr;
-    Series const* m_activeSeries = nullptr;
 };
 
 // Draws the points from indices[0] to indices[1], both included, into `image`, whose content is lost. Of the colour the
