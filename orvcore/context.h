@@ -39,6 +39,16 @@ enum OrvFileId : int {
     Reference = 1,  // the comparison image
 };
 
+// The head of a file's details, as other tools want it.
+struct ImageHeader {
+    int Width = 0;  // pixels, as stored in the file
+    int Height = 0;
+    int Channels = 0;
+    wxString Make;
+    wxString Model;
+    wxString Software;
+};
+
 class ORV_API OrvContext {
 public:
     OrvContext();
@@ -246,7 +256,7 @@ private:
     void AddLimitOptions();
     void ApplyConfigurations();
     void ApplyVariables();
-    void ApplyLimits() const;
+    void ApplyLimits();
 
     std::map<wxString, wxString> m_batchFileMap;
     VecString m_browserFiles;
@@ -264,6 +274,7 @@ private:
     std::unique_ptr<FileSlot> m_slots[2];
     OrvWorkerThread m_workerThread;
     VecVecParameter m_programOptions;
+    std::map<wxString, std::int64_t> m_appliedLimits;
     wxString m_programOptionsPath;
     bool m_prnuReferencePatternPathChanged = false;
     bool m_cacheEnabled = true;

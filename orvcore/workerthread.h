@@ -79,6 +79,7 @@ protected:
     ExitCode Entry() override;
 
 private:
+    void RequireMainThread() const;
     void Process(std::unique_ptr<OrvCommand>& command);
     OrvCommandEvent* Deliver(OrvCommandEvent* event) const;
     void AwaitResponse(OrvCommand const* command, bool logged);

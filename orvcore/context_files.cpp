@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: Apache-2.0
+// Loading a file into a slot, and the slot's folder in the cache.
+#include <fcntl.h>
+#include <unistd.h>
+#include <wx/filename.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <vector>
+
+#include "orvcore/context.h"
+#include "orvcore/fileslot.h"
+#include "orvcore/translate.h"
+#include "tolbase/exception.h"
+#include "tolbase/file.h"
+#include "tolbase/hash.h"
+#include "tolbase/progress.h"
+#include "tolimage/exiftool.h"
+#include "tolimage/imageio.h"
+#include "tolimage/subimages.h"
+
+namespace {
+
+constexpr size_t kCacheNameLength = 32;
+constexpr size_t kCameraNameLength = 16;
+constexpr size_t kCutCameraNameLength = 14;
+constexpr size_t kCopyBlock = size_t{1} << 20;
+
+TolException LoadFailure(int line, wxString const& message) {
+    return TolException("context_files.cpp", line, ExceptionGeneral, TolErrorMessage, message);
+}
+
+// What a decoder that gave nothing means for the load.
+void RequireSupported(wxString const& path) {
+    if (!wxFileExists(path) || !wxFileName::IsFileReadable(path)) return;
+    wxString const reason = tcvLastLoadError();
+    throw LoadFailure(__LINE__, reason.StartsWith("Refused:") ? reason : "File format not supported.");
+}
+
+wxString ShortenCameraName(wxString const& name) {
+    return name.length() > kCameraNameLength ? name.Left(kCutCameraNameLength) + "..." : name;
+}
+
+// A descriptor that closes itself.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : m_number(number) {}
+    ~Descriptor() {
+        if (m_number >= 0) ::close(m_number);
+    }
+    Descriptor(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor const&) = delete;
+    int Get() const { return m_number; }
+    bool Close() {
+        int const number = m_number;
+        m_number = -1;
+        return ::close(number) == 0;
+    }
+
+private:
+    int m_number;
+};
+
+bool WriteAll(int target, char const* bytes, size_t size) {
+    while (size > 0) {
+        ssize_t const written = ::write(target, bytes, size);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        bytes += written;
+        size -= static_cast<size_t>(written);
+    }
+    return true;
+}
+
+bool CopyBytes(std::string const& source, std::string const& target) {
+    Descriptor const in(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (in.Get() < 0) return false;
+    Descriptor out(::open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (out.Get() < 0) return false;
+    std::vector<char> block(kCopyBlock);
+    for (;;) {
+        ssize_t const count = ::read(in.Get(), block.data(), block.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return false;
+        if (count == 0) return out.Close();
+        if (!WriteAll(out.Get(), block.data(), static_cast<size_t>(count))) return false;
+    }
+}
+
+}  // namespace
+
+void OrvContext::LoadFile(wxString const& path, OrvFileId id, wxString const& originalPath) {
+    bool const exists = !path.empty() && wxFileExists(path);
+    if (exists) ExifToolPrefetch(path);
+    tcvSetProgressString(wxString::Format(OrvTranslate("Loading file: %s"), ::GetFilenameNoPath(path)));
+    Image loaded;
+    // Nothing but a regular file is opened: a pipe or a device would never end.
+    if (exists) loaded = Image(tcvLoadImage(path, true, false)).ToColor();
+    if (exists && !loaded.IsOk()) RequireSupported(path);
+
+    FileSlot& slot = *m_slots[id];
+    slot = FileSlot();
+    slot.fileId = 0;
+    wxASSERT(!wxThread::IsMain());
+    try {
+        wxString const sourceName = originalPath.empty() ? path : originalPath;
+        bool const folderChanged = wxPathOnly(path) != wxPathOnly(slot.filename);
+        slot.image = loaded;
+        if (loaded.IsOk()) {
+            slot.filename = path;
+            if (originalPath.empty()) slot.originalFilename = path;
+            ReadDetails(path, id);
+            slot.fileInfo = MakeFileInfo(id);
+        }
+        VecString allFiles;
+        if (!path.empty()) allFiles = GetAllFiles(wxPathOnly(sourceName), imageFormatsRead, false);
+        auto const last = std::find(allFiles.rbegin(), allFiles.rend(), sourceName);
+        slot.fileId = static_cast<int>(allFiles.rend() - last) - 1;
+        if (folderChanged) slot.fileList = std::move(allFiles);
+        UpdateBasePath(id);
+    } catch (...) {
+        // A slot that is half one file and half another would credit results to the wrong one.
+        slot = FileSlot();
+        throw;
+    }
+}
+
+void OrvContext::ReadDetails(wxString const& path, OrvFileId id) {
+    FileSlot& slot = *m_slots[id];
+    slot.details = tcvLoadImageDetailsExifTool(path);
+    if (!slot.details.IsJpeg) {
+        slot.thumbnail = Image(tcvLoadThumbnail(path));
+        return;
+    }
+    tcvJpegReadQuantizationAndHuffmanTables(path, slot.jpegInfo, 2, true, true);
+    TakeSubImages(path, id);
+}
+
+void OrvContext::TakeSubImages(wxString const& path, OrvFileId id) {
+    FileSlot& slot = *m_slots[id];
+    std::vector<Image> images;
+    std::vector<JpegInfo> infos;
+    tcvSaveSubImages(path, images, infos);
+    int const width = slot.image.Width();
+    int const height = slot.image.Height();
+    for (size_t i = 0; i < images.size() && i < infos.size(); ++i) {
+        Image const& image = images[i];
+        if (image.Width() == width && image.Height() == height) continue;
+        if (image.Width() == height && image.Height() == width) continue;
+        if (!slot.thumbnail.IsOk()) {
+            slot.thumbnail = image;
+            slot.thumbnailJpegInfo = infos[i];
+        } else if (!slot.preview.IsOk()) {
+            slot.preview = image;
+            slot.previewJpegInfo = infos[i];
+        }
+    }
+}
+
+wxString OrvContext::MakeFileInfo(OrvFileId id) const {
+    FileSlot const& slot = *m_slots[id];
+    ImageDetailsExifTool const& details = slot.details;
+    wxString info =
+        wxString::Format(OrvTranslate("Size: %dx%d, %s"), details.EncodedWidth, details.EncodedHeight, details.Format);
+    if (details.IsJpeg && slot.jpegInfo.IsValid && !slot.jpegInfo.QualityEstimates.empty()) {
+        info += wxString::Format(", Q: %d%%", slot.jpegInfo.QualityEstimates.front());
+    }
+    wxString const make = ShortenCameraName(details.Make);
+    wxString const model = ShortenCameraName(details.Model);
+    if (!make.empty() || !model.empty()) info += wxString::Format(OrvTranslate(", Camera: %s %s"), make, model);
+    return info;
+}
+
+void OrvContext::UpdateBasePath(OrvFileId id) {
+    FileSlot& slot = *m_slots[id];
+    slot.outputBasePath.clear();
+    if (!slot.image.IsOk()) return;
+    wxString const name = GetFilenameNoPath(id).Left(kCacheNameLength);
+    wxString base = GetAppDocumentsPath() + wxFILE_SEP_PATH + "cache";
+    if (m_cacheLocation == 1) base = wxPathOnly(slot.filename);
+    if (m_cacheLocation == 2) base = m_customCacheFolder;
+    wxString hash = TcvCalcHashFromFile(slot.filename, MD5, true);
+    // A file that is gone since it was loaded keeps its name in the cache.
+    if (hash.empty()) hash = slot.hash;
+    if (hash.empty()) throw LoadFailure(__LINE__, "The file can't be read to its end.");
+    slot.hash = hash;
+    slot.outputBasePath = base + wxFILE_SEP_PATH + name + "-" + hash + wxFILE_SEP_PATH + name;
+    wxString const copy = wxPathOnly(slot.outputBasePath) + wxFILE_SEP_PATH + ::GetFilenameNoPath(slot.filename);
+    if (!wxFileExists(copy)) CopyToCache(slot.filename, copy);
+}
+
+// A cache that can't be written is no failure of the load. The copy appears whole or not at all.
+void OrvContext::CopyToCache(wxString const& source, wxString const& copy) const {
+    wxString const folder = wxPathOnly(copy);
+    if (!CreateDirIfNotExists(folder)) return;
+    // Its name is short whatever the file's own length, and no other process has it.
+    std::string const temporary = PathToBytes(folder) + "/.copy-" + std::to_string(::getpid());
+    std::remove(temporary.c_str());
+    if (!CopyBytes(PathToBytes(source), temporary) || std::rename(temporary.c_str(), PathToBytes(copy).c_str()) != 0) {
+        std::remove(temporary.c_str());
+    }
+}

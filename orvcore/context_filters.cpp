@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: Apache-2.0
+// The registry of filters, and the text forms that name their results.
+#include <wx/filename.h>
+
+#include "orvcore/context.h"
+#include "orvcore/filter.h"
+#include "orvcore/translate.h"
+#include "tolbase/serializer.h"
+#include "tolbase/text.h"
+
+OrvFilter* GetFilter(int type) {
+    return GetContext()->GetFilter(type);
+}
+
+void OrvContext::AddFilterType(OrvFilter* filter, int type) {
+    try {
+        filter->InitFilter();
+        m_filters.push_back(filter);
+        m_filterMap[type] = filter;
+    } catch (...) {
+        wxString text = OrvTranslate("Error intializing filter %s");
+        text.Replace("%s", filter->GetName(), false);
+        TolMessageBox(text, OrvTranslate("Configuration Error"));
+    }
+}
+
+OrvFilter* OrvContext::GetFilter(int type) {
+    return m_filterMap[type];
+}
+
+OrvFilter* OrvContext::GetFilterFromName(wxString const& name) const {
+    for (OrvFilter* filter : m_filters) {
+        if (Serializer::AreNamesEquivalent(filter->GetName(), name)) return filter;
+    }
+    return nullptr;
+}
+
+std::vector<OrvFilter*> OrvContext::GetFilters() const {
+    return m_filters;
+}
+
+OrvFilter* OrvContext::GetActiveFilter() const {
+    return m_activeFilter;
+}
+
+void OrvContext::SetActiveFilter(OrvFilter* filter) {
+    m_activeFilter = filter;
+}
+
+wxString OrvContext::GetActiveFilterSelectorString() const {
+    return m_activeFilter != nullptr ? m_activeFilter->GetOutputFileSelectorString() : wxString();
+}
+
+wxString OrvContext::GetExportFilename() const {
+    return m_activeFilter != nullptr ? m_activeFilter->GetExportFilename(true) : wxString();
+}
+
+void OrvContext::SaveFilterResult(wxString const& path) {
+    if (m_activeFilter != nullptr) m_activeFilter->SaveOutputBase(path);
+}
+
+void OrvContext::SetImageToSave(Image const& image) {
+    if (m_activeFilter != nullptr) m_activeFilter->SetImageToSave(image);
+}
+
+void OrvContext::UpdateFiltersStatus() {
+    for (OrvFilter* filter : m_filters) {
+        for (OrvFilterConfiguration& configuration : filter->GetConfigurationsNoConst()) {
+            configuration.UpdateFilterStatus(filter->GetStatusFilename(Evidence, configuration));
+        }
+    }
+}
+
+wxString OrvContext::GetNoDataAvailableMessage() const {
+    if (!HasFile(Evidence)) return OrvTranslate("No image loaded. Please open a file or drag an image here.");
+    if (m_activeFilter != nullptr && m_activeFilter->IsOnlyForJpeg()) {
+        return OrvTranslate("No data available. This filter supports only JPEG files.");
+    }
+    return OrvTranslate("No data available.");
+}
+
+wxString GetParametersString(VecParameter const& params, bool report) {
+    wxString result;
+    bool first = true;
+    for (Parameter const& parameter : params) {
+        int const type = parameter.GetType();
+        bool const asReport = report || type == ParameterTypeStringMap;
+        wxString text = asReport ? parameter.ToReport() : parameter.GetValueAsJson().AsString();
+        if (type == ParameterTypeFolder || type == ParameterTypeFile || type == ParameterTypeFiles) {
+            text = CleanDirName(text);
+        }
+        if (!first) result += "-";
+        result += text;
+        first = false;
+    }
+    return result;
+}
+
+wxString CleanDirName(wxString const& path) {
+    wxString name = wxFileName(path).GetName();
+    name.Replace("-", "_");
+    name.Replace(" ", "_");
+    return name;
+}

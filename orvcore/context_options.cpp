@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: Apache-2.0
+// The program options: making them, applying them, their file; the keywords.
+#include <wx/filename.h>
+#include <wx/tokenzr.h>
+
+#include <algorithm>
+
+#include "orvcore/context.h"
+#include "orvcore/filter.h"
+#include "orvcore/imageinfotable.h"
+#include "orvcore/optionnumbers.h"
+#include "orvcore/translate.h"
+#include "tolbase/file.h"
+#include "tolbase/json.h"
+#include "tolbase/limits.h"
+#include "tolbase/text.h"
+#include "tolbase/translation.h"
+#include "tolimage/subimages.h"
+
+namespace {
+
+char const* const kGeneralGroup = "General Settings";
+char const* const kWebGroup = "Web Services";
+char const* const kLimitsGroup = "Limits";
+
+Parameter MakeChoice(char const* name, char const* first, char const* second, int selected,
+                     char const* description = "") {
+    return CreateParameterOption(name, description, {first, second}, selected);
+}
+
+// What a settings file says before there are options to read it into; empty texts for a file that can't be read.
+struct StartSettings {
+    wxString language;
+    wxString hiDpi;
+};
+
+StartSettings ReadStartSettings(wxString const& path) {
+    StartSettings settings;
+    try {
+        wxJSONValue root = JsonFromFile(path);
+        settings.language = root[kGeneralGroup]["Language"].AsString();
+        settings.hiDpi = root[kGeneralGroup]["HiDPI Mode"].AsString();
+    } catch (...) {
+        return StartSettings();
+    }
+    return settings;
+}
+
+}  // namespace
+
+void OrvContext::InitProgramOptions(AppVersion const& version) {
+    m_appVersion = version;
+    StartSettings const settings = ReadStartSettings(m_programOptionsPath);
+    if (settings.hiDpi == "Enabled") TolSetProcessDpiAware();
+    m_translationHelper.reset();
+    m_translationHelper = std::make_unique<TranslationHelper>(version.GetLangDir(), settings.language, "orvelle");
+
+    // The engine reads its own groups by their places, so groups that are here already go behind them.
+    VecVecParameter const earlier = m_programOptions;
+    m_programOptions = VecVecParameter();
+    AddProgramOptionsGroup(kGeneralGroup, MakeGeneralOptions(settings.hiDpi));
+    ImageInfoTable::RegisterProgramOptions();
+    if (!m_programOptions.HasGroup("File Format") && earlier.HasGroup("File Format")) {
+        AddProgramOptionsGroup("File Format", earlier.Group("File Format"));
+    }
+    AddWebServiceOptions();
+    AddLimitOptions();
+    for (size_t i = 0; i < earlier.size(); ++i) {
+        wxString const& name = earlier.GetGroupName(i);
+        if (!m_programOptions.HasGroup(name)) AddProgramOptionsGroup(name, earlier[i]);
+    }
+}
+
+VecParameter OrvContext::MakeGeneralOptions(wxString const& hiDpi) const {
+    VecString const languages = m_translationHelper->GetAvailableLanguages();
+    std::uint64_t const language = m_translationHelper->GetCurrentLanguageId() + 1;
+    wxString const cacheFolder = GetUserDesktopPath() + wxFILE_SEP_PATH + "cache";
+    VecParameter options;
+    options.push_back(CreateParameterOption("Language", "", languages, static_cast<int>(language)));
+    options.push_back(MakeChoice("HiDPI Mode", "Disabled", "Enabled", hiDpi == "Enabled" ? 1 : 0,
+                                 "Interpolates user interface elements to preserve the layout on high resolution "
+                                 "screens"));
+    options.push_back(MakeChoice("Log", "Enabled", "Disabled", 0));
+    options.push_back(MakeChoice("Processing Cache", "Enabled", "Disabled", 0));
+    options.push_back(CreateParameterOption(
+        "Cache Location", "", {"Program Documents Folder", "Image Local Folder", "Custom Cache Folder"}, 0));
+    options.push_back(CreateParameterFolder("Custom Cache Folder", "", cacheFolder, VecString(), wxString()));
+    options.push_back(MakeChoice("Image Cache Format", "JPG", "PNG", 1));
+    options.push_back(CreateParameterImageQuality("JPG Save Quality", "", 90));
+    options.push_back(CreateParameterVectorString("Default Configurations", "", GetConfigurationsFromFilters(true)));
+    options.push_back(MakeChoice("Search Subfolders for Batch File Format", "No", "Yes", 0));
+    options.push_back(MakeChoice("Hide Best Matching Parameters for Negative Compatibility", "No", "Yes", 1));
+    options.push_back(CreateParameterDouble("Threshold for PRNU Camera Identification",
+                                            "The value above which a positive compatibility is decided by the PRNU "
+                                            "Camera Identification threshold",
+                                            45.0));
+    options.push_back(CreateParameterInt(
+        "Report Max Image Width", "The maximum width in pixels of images in report (0 = original image width)", 600));
+    options.push_back(CreateParameterInt(
+        "Report Min Image Width", "The minimum width in pixels of images in report (0 = original image width)", 0));
+    return options;
+}
+
+// Addresses are the services' public ones. The sightings service gives its address together with a key, so there is
+// none to begin with.
+void OrvContext::AddWebServiceOptions() {
+    VecParameter options;
+    options.push_back(CreateParameterString("Flickr Endpoint", "", "https://api.flickr.com/services/rest/"));
+    options.push_back(CreateParameterString("Flickr API Key", "", wxString()));
+    options.push_back(CreateParameterString("Google Endpoint", "", "https://www.googleapis.com/customsearch/v1"));
+    options.push_back(CreateParameterString("Google API Key", "", wxString()));
+    options.push_back(CreateParameterString("TinEye Endpoint", "", "https://api.tineye.com/rest/"));
+    options.push_back(CreateParameterString("TinEye API Key", "", wxString()));
+    options.push_back(CreateParameterString("Sightings Endpoint", "", wxString()));
+    AddProgramOptionsGroup(kWebGroup, options);
+}
+
+// One number for each limit, under the limit's own name; 0 stands for the default.
+void OrvContext::AddLimitOptions() {
+    VecParameter options;
+    for (int i = 0; i < static_cast<int>(TolLimit::Count); ++i) {
+        TolLimitInfo const& info = GetTolLimitInfo(static_cast<TolLimit>(i));
+        wxString const description =
+            wxString::FromUTF8(info.description) + " (0 = " + ToString<std::uint64_t>(info.defaultValue) + ")";
+        options.push_back(CreateParameterInt64(info.name, description, 0));
+    }
+    AddProgramOptionsGroup(kLimitsGroup, options);
+}
+
+void OrvContext::SetProgramOptions(VecVecParameter const& options) {
+    m_programOptions = options;
+    if (!options.empty() && options[0].size() >= OrvOptionCount) {
+        ApplyConfigurations();
+        ApplyVariables();
+    }
+    ApplyLimits();
+    UpdateBasePath(Evidence);
+    UpdateBasePath(Reference);
+}
+
+void OrvContext::ApplyVariables() {
+    VecParameter const& general = m_programOptions[0];
+    m_workerThread.EnableLog(general[OrvOptionLog].GetValue<int>() == 0);
+    m_cacheEnabled = general[OrvOptionCache].GetValue<int>() == 0;
+    m_cacheLocation = general[OrvOptionCacheLocation].GetValue<int>();
+    m_customCacheFolder = general[OrvOptionCacheFolder].GetValue<wxString>();
+    m_cacheFormat = general[OrvOptionCacheFormat].ToReport().Lower();
+    m_showBestMatchingParameters = general[OrvOptionHideBestMatching].GetValue<int>() == 0;
+    m_prnuThreshold = general[OrvOptionPrnuThreshold].GetValue<double>();
+    m_jpgQuality = general[OrvOptionJpgQuality].GetValue<int>();
+    // Pictures taken out of a file go where its other results go.
+    TolSetDumpFolder(m_cacheLocation == 2 ? m_customCacheFolder : wxString());
+}
+
+// A limit that stands at 0 is left alone unless an option has set it before: the program may have set it by other
+// means.
+void OrvContext::ApplyLimits() {
+    if (!m_programOptions.HasGroup(kLimitsGroup)) return;
+    for (Parameter const& option : m_programOptions.Group(kLimitsGroup)) {
+        TolLimit limit = TolLimit::Count;
+        if (!FindTolLimit(option.Name(), limit)) continue;
+        auto const value = std::max<std::int64_t>(option.GetValue<std::int64_t>(), 0);
+        std::int64_t& applied = m_appliedLimits[option.Name()];
+        if (value == applied) continue;
+        SetTolLimit(limit, static_cast<std::uint64_t>(value));
+        applied = value;
+    }
+}
+
+VecVecParameter OrvContext::GetProgramOptions() const {
+    return m_programOptions;
+}
+
+VecParameter OrvContext::GetOptionGroup(wxString const& name) const {
+    return m_programOptions.Group(name);
+}
+
+void OrvContext::AddProgramOptionsGroup(wxString const& name, VecParameter const& group) {
+    m_programOptions.Add(name, group);
+}
+
+void OrvContext::LoadProgramOptions(wxString const& path) {
+    try {
+        if (wxFileExists(path)) {
+            // A file that can't be parsed counts as none; one that can't be understood leaves everything as it is.
+            wxJSONValue root;
+            bool parsed = true;
+            try {
+                root = JsonFromFile(path);
+            } catch (...) {
+                parsed = false;
+            }
+            if (parsed) m_programOptions.ReadFromJson(root);
+        }
+        // A copy: the argument must not be the member that it is assigned to.
+        SetProgramOptions(VecVecParameter(m_programOptions));
+    } catch (...) {
+        return;
+    }
+}
+
+void OrvContext::SaveProgramOptions(wxString const& path) const {
+    try {
+        CreateDirIfNotExists(wxPathOnly(path));
+        VecVecParameter options = m_programOptions;
+        if (!options.empty() && options[0].size() >= OrvOptionCount) {
+            Parameter& option = options[0][OrvOptionConfigurations];
+            option.Set(boost::any(ConvertToUntranslatedConfigurations(option.GetValue<VecString>())));
+        }
+        options.Write(path);
+    } catch (...) {
+        wxASSERT(false);
+    }
+}
+
+void OrvContext::LoadKeywords(wxString const& path) {
+    if (!wxFileExists(path)) TolMessageBox(OrvTranslate("Keywords file not found."), OrvTranslate("Warning"));
+    wxString const text = ReadFile(path);
+    m_softwareKeywords.clear();
+    wxStringTokenizer tokenizer(text, "\n");
+    while (tokenizer.HasMoreTokens()) {
+        wxString const keyword = Trim(tokenizer.GetNextToken());
+        if (!keyword.empty()) m_softwareKeywords.push_back(keyword);
+    }
+}
