@@ -32,8 +32,8 @@ struct ORV_API JpegInfo {
     int Height = 0;
     int Precision = 0;       // bits per sample
     int ComponentCount = 0;  // as the frame header says
-    // "Grayscale", "YCbCr", "RGB", "CMYK", "YCCK", or "Unknown (n components)"; empty without a frame header. An Adobe
-    // segment decides, then JFIF, then the components' own ids, as decoders do.
+    // "Grayscale", "YCbCr", "RGB", "CMYK", "YCCK", or "Unknown (n components)"; empty without a frame header. A JFIF
+    // segment decides, then an Adobe one, then the components' own ids, as decoders do.
     wxString ColorSpace;
     // The coding process in words, such as "Baseline DCT, Huffman coding".
     wxString Process;
@@ -51,6 +51,8 @@ struct ORV_API JpegInfo {
     wxString SignatureSubsampling;
     // By index, always three in a valid record: eight rows of eight numbers in the picture's own order, or empty.
     std::vector<std::vector<std::vector<int>>> QuantizationTables;
+    // A table of index 3, or empty.
+    std::vector<std::vector<int>> QuantizationTable3;
     // By index, always three in a valid record: row 0 the DC class, row 1 the AC class, each the 16 counts of codes by
     // length (all zero where the file has only the other class), or empty.
     std::vector<std::vector<std::vector<int>>> HuffmanTables;
