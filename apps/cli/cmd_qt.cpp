@@ -208,7 +208,7 @@ private:
 
     ExitCode Add(Environment& environment) {
         Session session(environment);
-        session.UsePrivateCache();
+        session.KeepNoCopies();
         const JpegSignature record = MakeRecord(session);
         UserQtFile file(PathToBytes(session.Context().GetUserQtDatabaseFilename()));
         file.Append(record);

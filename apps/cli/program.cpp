@@ -56,9 +56,10 @@ public:
     std::string HelpText() {
         CLI::App* topic = &m_app;
         for (std::string const& name : m_topic) {
-            CLI::App* const next = topic->get_subcommand_no_throw(name);
-            if (next == nullptr) throw Failure(ExitUsage, name, "no such command; \"orvelle help\" names them all");
-            topic = next;
+            const auto isMeant = [&name](CLI::App const* app) { return app->get_name() == name; };
+            std::vector<CLI::App*> const found = topic->get_subcommands(isMeant);
+            if (found.empty()) throw Failure(ExitUsage, name, "no such command; \"orvelle help\" names them all");
+            topic = found.front();
         }
         // The program's own help would tell of the command that was given, which is "help".
         if (topic == &m_app) m_app.clear();

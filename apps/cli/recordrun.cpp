@@ -42,7 +42,7 @@ void RecordRun::RefuseToReplace(std::vector<std::string> const& files, Output co
 ExitCode RecordRun::Run(FillRecord const& fill) {
     Output output(m_outputOptions.path, m_outputOptions.force);
     Session session(m_environment);
-    session.UsePrivateCache();
+    session.KeepNoCopies();
     std::vector<std::string> extensions;
     for (wxString const& extension : session.Context().GetImageFormatsRead()) extensions.push_back(ToUtf8(extension));
     const Inputs inputs = FindInputs(m_files.names, extensions, m_files.recursive, m_environment.terminal);

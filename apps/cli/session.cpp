@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <condition_variable>
-#include <cstdlib>
 #include <deque>
 #include <filesystem>
 #include <mutex>
@@ -58,6 +57,13 @@ using std::chrono::milliseconds;
 constexpr milliseconds SignalPoll{50};
 constexpr milliseconds AbortPatience{500};
 
+// Places in the group "General Settings".
+constexpr size_t OptionCacheLocation = 4;
+constexpr size_t OptionCustomCacheFolder = 5;
+constexpr int CacheLocationCustom = 2;
+// No folder can be made beneath a device; the engine bears a cache that can't be written.
+constexpr char const* NowhereFolder = "/dev/null/cache";
+
 class QuietProgress : public OrvProgressHandler {
 public:
     void OnCommandPosted() override {}
@@ -98,7 +104,6 @@ Session::Session(Environment& environment) : m_environment(environment), m_sink(
 Session::~Session() {
     // A command that does not heed the abort state can't be waited for once the person wants to leave.
     if (m_busy) {
-        EmptyPrivateCache();
         ExifToolShutdown();
         m_environment.terminal.ClearProgress();
         _exit(InterruptionCode());
@@ -106,7 +111,6 @@ Session::~Session() {
     m_interface.reset();
     OrvSetEventSink(nullptr);
     ExifToolShutdown();
-    EmptyPrivateCache();
     wxLog::FlushActive();
 }
 
@@ -132,23 +136,12 @@ void Session::CheckSettings() {
     m_environment.terminal.Warning(PathToBytes(path), "broken settings, defaults are used: " + ToUtf8(reason));
 }
 
-void Session::UsePrivateCache() {
-    char const* const base = std::getenv("TMPDIR");
-    std::string name = std::string(base != nullptr && *base != '\0' ? base : "/tmp") + "/orvelle-XXXXXX";
-    // Without a folder of its own the cache is sent where nothing can be made, which the engine bears.
-    m_privateCache = mkdtemp(name.data()) != nullptr ? name : std::string();
+void Session::KeepNoCopies() {
     VecVecParameter options = m_interface->GetProgramOptions();
     VecParameter& general = options.Group("General Settings");
-    general.at(4).Set(2);
-    general.at(5).Set(PathFromBytes(m_privateCache.empty() ? "/dev/null/cache" : m_privateCache));
+    general.at(OptionCacheLocation).Set(boost::any(CacheLocationCustom));
+    general.at(OptionCustomCacheFolder).Set(wxString(NowhereFolder));
     m_interface->SetProgramOptions(options);
-}
-
-void Session::EmptyPrivateCache() {
-    if (m_privateCache.empty()) return;
-    std::error_code ignored;
-    std::filesystem::remove_all(m_privateCache, ignored);
-    if (m_busy) return;
 }
 
 bool Session::Await(std::unique_ptr<OrvCommand> command) {

@@ -30,9 +30,9 @@ public:
     OrvInterface& Interface() { return *m_interface; }
     CliContext& Context() { return *m_context; }
 
-    // Examination writes nothing beside the evidence and keeps no copy of it: the engine's cache goes to a folder that
-    // is removed with the session.
-    void UsePrivateCache();
+    // For what only looks at files: the engine's cache, which begins with a copy of each loaded file, is switched off,
+    // wherever the settings have it. The settings themselves stay as they are.
+    void KeepNoCopies();
 
     // Posts the command, waits for its event and, with the worker waiting in turn, calls `read`; then lets the worker
     // go. False if the person has interrupted meanwhile: `read` is not called then.
@@ -52,13 +52,11 @@ private:
     void Respond();
     void CheckSettings();
     void CheckDocuments();
-    void EmptyPrivateCache();
 
     Environment& m_environment;
     std::unique_ptr<EventSink> m_sink;
     CliContext* m_context = nullptr;  // the interface owns it
     std::unique_ptr<OrvInterface> m_interface;
-    std::string m_privateCache;
     bool m_settingsSound = true;
     bool m_busy = false;
 };
