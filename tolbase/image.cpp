@@ -29,9 +29,24 @@ bool HasPixels(_IplImage const* header) {
 }
 
 int IplDepth(int matDepth) {
-    constexpr int depths[] = {IPL_DEPTH_8U,  IPL_DEPTH_8S,  IPL_DEPTH_16U, IPL_DEPTH_16S,
-                              IPL_DEPTH_32S, IPL_DEPTH_32F, IPL_DEPTH_64F};
-    return matDepth >= CV_8U && matDepth <= CV_64F ? depths[matDepth] : 0;
+    switch (matDepth) {
+        case CV_8U:
+            return IPL_DEPTH_8U;
+        case CV_8S:
+            return static_cast<int>(IPL_DEPTH_8S);
+        case CV_16U:
+            return IPL_DEPTH_16U;
+        case CV_16S:
+            return static_cast<int>(IPL_DEPTH_16S);
+        case CV_32S:
+            return static_cast<int>(IPL_DEPTH_32S);
+        case CV_32F:
+            return IPL_DEPTH_32F;
+        case CV_64F:
+            return IPL_DEPTH_64F;
+        default:
+            return 0;
+    }
 }
 
 bool IsKnownDepth(int depth) {
@@ -69,7 +84,10 @@ double ScaleTo8Bit(int matDepth) {
 }  // namespace
 
 Image::Image(_IplImage* header) {
-    if (header != nullptr) m_holder = std::make_shared<Holder>(header);
+    if (header == nullptr) return;
+    // A region of interest would make the header and the matrix tell different sizes.
+    if (header->roi != nullptr) cvResetImageROI(header);
+    m_holder = std::make_shared<Holder>(header);
 }
 
 bool Image::IsOk() const {

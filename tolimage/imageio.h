@@ -28,6 +28,9 @@ ORV_API _IplImage* tcvLoadImage(wxString const& path, bool color, bool asStored)
 // ..." with the limit's name, "Truncated: ...", "Unsupported: ...", "Corrupt: ...", "Unreadable: ...". Empty after one
 // that worked, and where there simply is no thumbnail.
 ORV_API wxString tcvLastLoadError();
+// What this thread's last of those calls had to pass over to give its picture ("Premature end of JPEG file"), first
+// remark only; empty if the file is sound as far as its decoder tells.
+ORV_API wxString tcvLastLoadWarning();
 
 // Decodes a picture that stands in memory, by the same rules as tcvLoadImage with true and false. Not ok where that
 // fails; never throws.

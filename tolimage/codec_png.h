@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+// PNG by libpng, row by row. Private to this library.
+//
+// Palettes become blue, green and red, fewer than 8 bits are spread to 8, 16 stay 16, transparency is kept as a
+// channel. No gamma or colour profile is applied. A file that breaks off gives the rows that are there.
+#pragma once
+#include <string>
+
+#include "tolimage/codec.h"
+
+namespace codec {
+
+Image DecodePng(ByteView file);
+void ProbePng(ByteView file, ImageProbe& probe);
+// One to four channels of 8 or 16 bits.
+bool EncodePng(cv::Mat const& picture, std::string& bytes);
+
+}  // namespace codec
