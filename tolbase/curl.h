@@ -27,7 +27,7 @@ public:
     void SetRequest(const wxString& request);
     // Default 60 seconds; 0 or less restores it.
     void SetTimeLimit(int seconds);
-    // Default 64 MiB. A longer answer is a failed transfer.
+    // Default: the limit "download-bytes". A longer answer is a failed transfer.
     void SetMaxResponseBytes(std::size_t bytes);
 
     // Sends the request with one further header line (empty: none). With `fields` they are posted as a form, else a

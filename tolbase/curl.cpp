@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tolbase/curl.h"
+
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <mutex>
+
+#include "tolbase/limits.h"
+#include "tolbase/progress.h"
+#include "tolbase/text.h"
+
+namespace {
+
+constexpr long DefaultSeconds = 60;
+constexpr long ConnectSeconds = 20;
+constexpr long StatusUnauthorized = 401;
+
+bool StartLibrary() {
+    static std::once_flag once;
+    static bool good = false;
+    std::call_once(once, [] { good = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK; });
+    return good;
+}
+
+std::string Utf8(const wxString& text) {
+    const auto utf8 = text.utf8_str();
+    return utf8.data() == nullptr ? std::string() : std::string(utf8.data(), utf8.length());
+}
+
+// One header line can't become two.
+std::string HeaderLine(const wxString& text) {
+    std::string line = Utf8(text);
+    line.erase(std::remove_if(line.begin(), line.end(),
+                              [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }),
+               line.end());
+    return line;
+}
+
+struct FreeHandle {
+    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+};
+struct FreeList {
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+};
+struct FreeUrl {
+    void operator()(CURLU* url) const { curl_url_cleanup(url); }
+};
+
+std::string UrlPart(CURLU* url, CURLUPart part) {
+    char* text = nullptr;
+    if (curl_url_get(url, part, &text, 0) != CURLUE_OK || text == nullptr) return std::string();
+    std::string copy(text);
+    curl_free(text);
+    return copy;
+}
+
+bool IsThisMachine(const std::string& host) {
+    if (host == "localhost" || host == "[::1]") return true;
+    // Digits and points alone: "127.example.org" is elsewhere.
+    return host.compare(0, 4, "127.") == 0 && host.find_first_not_of("0123456789.") == std::string::npos;
+}
+
+enum class Address { Refused, Remote, ThisMachine };
+
+Address Judge(const std::string& request) {
+    const std::unique_ptr<CURLU, FreeUrl> url(curl_url());
+    if (url == nullptr || curl_url_set(url.get(), CURLUPART_URL, request.c_str(), 0) != CURLUE_OK)
+        return Address::Refused;
+    const std::string scheme = UrlPart(url.get(), CURLUPART_SCHEME);
+    const bool local = IsThisMachine(UrlPart(url.get(), CURLUPART_HOST));
+    if (scheme != "https" && !(scheme == "http" && local)) return Address::Refused;
+    return local ? Address::ThisMachine : Address::Remote;
+}
+
+struct Sink {
+    std::string bytes;
+    std::size_t maxBytes = static_cast<std::size_t>(GetTolLimit(TolLimit::DownloadBytes));
+    bool tooLong = false;
+};
+
+std::size_t OnData(char* data, std::size_t size, std::size_t count, void* user) {
+    auto* sink = static_cast<Sink*>(user);
+    const std::size_t bytes = size * count;
+    if (bytes > sink->maxBytes - std::min(sink->maxBytes, sink->bytes.size())) {
+        sink->tooLong = true;
+        return 0;
+    }
+    sink->bytes.append(data, bytes);
+    return bytes;
+}
+
+int OnProgress(void*, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+    return tcvHasAborted() ? 1 : 0;
+}
+
+std::string FormOf(CURL* handle, const std::vector<NameValueDesc>& fields) {
+    std::string form;
+    for (const NameValueDesc& field : fields) {
+        for (const wxString* text : {&field.Name, &field.Value}) {
+            const std::string bytes = Utf8(*text);
+            char* escaped = curl_easy_escape(handle, bytes.c_str(), static_cast<int>(bytes.size()));
+            form += text == &field.Name ? (form.empty() ? "" : "&") : "=";
+            if (escaped != nullptr) form += escaped;
+            curl_free(escaped);
+        }
+    }
+    return form;
+}
+
+}  // namespace
+
+struct CurlClass::Impl {
+    std::unique_ptr<CURL, FreeHandle> handle;
+    std::string request;
+    long seconds = DefaultSeconds;
+    Sink sink;
+    long status = 0;
+    wxString error;
+
+    int Fail(const wxString& message) {
+        sink.bytes.clear();
+        error = message;
+        return -1;
+    }
+    void SetSafety(bool local, bool follow) const {
+        CURL* curl = handle.get();
+        curl_easy_setopt(curl, CURLOPT_SSL_VERIFYPEER, 1L);
+        curl_easy_setopt(curl, CURLOPT_SSL_VERIFYHOST, 2L);
+        curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, local ? "http,https" : "https");
+        curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "https");
+        curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, follow ? 1L : 0L);
+        curl_easy_setopt(curl, CURLOPT_MAXREDIRS, 5L);
+        curl_easy_setopt(curl, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
+        // A signal can't end a name look-up in one thread of many.
+        curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+        curl_easy_setopt(curl, CURLOPT_TIMEOUT, seconds);
+        curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, std::min(seconds, ConnectSeconds));
+        if (local) curl_easy_setopt(curl, CURLOPT_NOPROXY, "*");
+    }
+    void SetCallbacks() {
+        CURL* curl = handle.get();
+        curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, OnData);
+        curl_easy_setopt(curl, CURLOPT_WRITEDATA, &sink);
+        curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
+        curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, OnProgress);
+        curl_easy_setopt(curl, CURLOPT_ACCEPT_ENCODING, "");
+        curl_easy_setopt(curl, CURLOPT_USERAGENT, "Orvelle");
+    }
+};
+
+CurlClass::CurlClass() : m_impl(std::make_unique<Impl>()) {}
+CurlClass::~CurlClass() = default;
+
+bool CurlClass::InitCurl() {
+    if (m_impl->handle == nullptr && StartLibrary()) m_impl->handle.reset(curl_easy_init());
+    return m_impl->handle != nullptr;
+}
+
+void CurlClass::SetRequest(const wxString& request) {
+    m_impl->request = Utf8(request);
+}
+void CurlClass::SetTimeLimit(int seconds) {
+    m_impl->seconds = seconds > 0 ? seconds : DefaultSeconds;
+}
+void CurlClass::SetMaxResponseBytes(std::size_t bytes) {
+    m_impl->sink.maxBytes = bytes;
+}
+
+int CurlClass::SendSSLRequest(const wxString& header, const std::vector<NameValueDesc>& fields, const wxString& body) {
+    Impl& impl = *m_impl;
+    impl.sink.bytes.clear();
+    impl.sink.tooLong = false;
+    impl.status = 0;
+    impl.error.clear();
+    if (!InitCurl()) return impl.Fail("The network library can't be started.");
+    CURL* curl = impl.handle.get();
+    curl_easy_reset(curl);
+    const Address address = Judge(impl.request);
+    if (address == Address::Refused) return impl.Fail("The address is none that may be asked: https is needed.");
+    const std::string line = HeaderLine(header);
+    impl.SetSafety(address == Address::ThisMachine, line.empty());
+    impl.SetCallbacks();
+    curl_easy_setopt(curl, CURLOPT_URL, impl.request.c_str());
+    std::unique_ptr<curl_slist, FreeList> headers;
+    if (!line.empty()) headers.reset(curl_slist_append(nullptr, line.c_str()));
+    if (headers != nullptr) curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers.get());
+    const std::string post = fields.empty() ? Utf8(body) : FormOf(curl, fields);
+    if (!post.empty()) {
+        curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(post.size()));
+        curl_easy_setopt(curl, CURLOPT_POSTFIELDS, post.c_str());
+    }
+    const CURLcode result = curl_easy_perform(curl);
+    if (impl.sink.tooLong) return impl.Fail("The answer is longer than the limit.");
+    if (result != CURLE_OK) return impl.Fail(wxString::FromUTF8(curl_easy_strerror(result)));
+    curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &impl.status);
+    if (impl.status == StatusUnauthorized) impl.sink.bytes.clear();
+    return 0;
+}
+
+wxString CurlClass::GetResponseString() const {
+    const std::string& bytes = m_impl->sink.bytes;
+    const wxString text = wxString::FromUTF8(bytes.data(), bytes.size());
+    return text.empty() && !bytes.empty() ? wxString::From8BitData(bytes.data(), bytes.size()) : text;
+}
+
+const std::string& CurlClass::GetResponseBytes() const {
+    return m_impl->sink.bytes;
+}
+long CurlClass::GetHttpStatus() const {
+    return m_impl->status;
+}
+wxString CurlClass::GetErrorMessage() const {
+    return m_impl->error;
+}

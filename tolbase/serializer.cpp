@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tolbase/serializer.h"
+
+namespace {
+
+wxString Reduced(const wxString& name) {
+    wxString reduced;
+    for (const wxUniChar c : name)
+        if (c != ' ' && c != '_' && c != '-') reduced += c;
+    return reduced.Lower();
+}
+
+}  // namespace
+
+bool Serializer::AreNamesEquivalent(const wxString& left, const wxString& right) {
+    return left == right || Reduced(left) == Reduced(right);
+}
