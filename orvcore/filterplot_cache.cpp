@@ -21,6 +21,8 @@ static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
 namespace {
 
 constexpr size_t HeaderWords = 6;
+// How many series a file without points may claim: nothing else bounds them.
+constexpr size_t MostEmptySeries = 4096;
 
 // Index of the first point to save: the one at the X range's minimum, if the first point lies farther from 0.
 size_t FirstSaved(OrvPlotData const& data, size_t start, size_t end) {
@@ -77,11 +79,9 @@ bool IsHeaderValid(std::vector<double> const& words) {
     for (size_t i = 2; i < HeaderWords; ++i) {
         if (!std::isfinite(words[i])) return false;
     }
-    auto const wordsPerPoint = static_cast<size_t>(words[0]) + 1;
-    // More series than words: the file holds no point, so nothing bounds what it claims.
+    auto const series = static_cast<size_t>(words[0]);
     size_t const rest = words.size() - HeaderWords;
-    if (rest == 0) return wordsPerPoint <= HeaderWords;
-    return rest % wordsPerPoint == 0;
+    return rest == 0 ? series <= MostEmptySeries : rest % (series + 1) == 0;
 }
 
 void ClearLoaded(OrvPlotData& data) {
