@@ -34,9 +34,15 @@ VecParameter AsTexts(const wxJSONValue& value) {
 
 OrvBookmark::OrvBookmark() = default;
 
-OrvBookmark::OrvBookmark(const wxString& name, const wxString& evidence, const wxString& reference, OrvFilter* filter,
-                         const VecParameter& parameters, const wxString& /*note*/, OrvBookmarkStatus status)
-    : name(name), evidence(evidence), reference(reference), filter(filter), parameters(parameters), status(status) {}
+OrvBookmark::OrvBookmark(const wxString& title, const wxString& evidencePath, const wxString& referencePath,
+                         OrvFilter* usedFilter, const VecParameter& usedParameters, const wxString& /*note*/,
+                         OrvBookmarkStatus finding)
+    : name(title),
+      evidence(evidencePath),
+      reference(referencePath),
+      filter(usedFilter),
+      parameters(usedParameters),
+      status(finding) {}
 
 wxString OrvBookmark::GetFilterName() const {
     return filter != nullptr ? filter->GetName() : m_unknownFilter;

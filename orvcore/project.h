@@ -26,8 +26,9 @@ class ORV_API OrvBookmark : public JsonObject {
 public:
     OrvBookmark();
     // The argument `note` is not taken over: a note comes from a file or is written to the member.
-    OrvBookmark(const wxString& name, const wxString& evidence, const wxString& reference, OrvFilter* filter,
-                const VecParameter& parameters, const wxString& note, OrvBookmarkStatus status);
+    OrvBookmark(const wxString& title, const wxString& evidencePath, const wxString& referencePath,
+                OrvFilter* usedFilter, const VecParameter& usedParameters, const wxString& note,
+                OrvBookmarkStatus finding);
 
     // True if the bookmark's filter is known.
     bool IsOk() const { return filter != nullptr; }
