@@ -2,6 +2,7 @@
 #include "orvcore/command.h"
 
 #include <wx/app.h>
+#include <wx/window.h>
 
 #include <mutex>
 #include <utility>
