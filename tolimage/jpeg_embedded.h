@@ -19,7 +19,7 @@ struct EmbeddedJpeg {
 
 // The length of the whole picture that begins at the view's start, or 0 if none does. It must have an SOI, segments
 // that follow each other without foreign bytes, a quantisation table, a frame, a scan and an EOI. `looked` grows by the
-// bytes that were walked.
+// bytes that had to be searched.
 uint64_t MeasureJpeg(ByteView view, uint64_t& looked);
 
 // The pictures in a JPEG's segments, in the order of the file, and then those behind its end. No more than the limit

@@ -59,6 +59,8 @@ public:
     bool HasSeenEoi() const { return m_hasSeenEoi; }
     // From the view's start: where the walk stands.
     uint64_t Position() const { return m_position; }
+    // How many bytes had to be searched for markers; segments that are stepped over count as one.
+    uint64_t SearchedBytes() const { return m_searched; }
     // Why the walk ended, in English; empty after an EOI or while it goes on.
     std::string const& GetProblem() const { return m_problem; }
 
@@ -71,6 +73,7 @@ private:
 
     ByteView m_view;
     uint64_t m_position = 0;
+    uint64_t m_searched = 0;
     bool m_hasStarted = false;
     bool m_isInScan = false;
     bool m_isDone = false;

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+// The quantised DCT coefficients as they stand in a JPEG, before anything is decoded to pixels.
+//
+// Threads: any; no state. Ownership: plain values. Files are opened read-only.
+#pragma once
+#include <wx/string.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "tolbase/export.h"
+
+// One coefficient of every block of one component.
+struct JpegCoefficients {
+    std::vector<int16_t> values;  // one a block, in the order of the rows of blocks; quantised, not multiplied
+    int step = 0;                 // the quantisation step that they are multiplied with
+    int blocksAcross = 0;
+    int blocksDown = 0;
+    int componentCount = 0;  // of the whole picture
+};
+
+// Reads the coefficient at `zigzagIndex` (0 the DC value, 63 the last) of component `component` (0 luma). Throws
+// TolException (82) for a file that is no JPEG or can't be read so (12 bits, lossless), a component that it lacks, an
+// index outside 0 to 63, and TolLimitError for a picture past a limit. A truncated file gives zeros for what is
+// missing.
+ORV_API JpegCoefficients ReadJpegCoefficients(wxString const& path, int component, int zigzagIndex);
