@@ -24,6 +24,10 @@ Tsv::Tsv(std::string const& path) : m_path(path) {
     std::string line;
     for (size_t number = 1; std::getline(in, line); ++number) {
         if (line.empty() || line[0] == '#') continue;
+        for (const char c : line) {
+            const bool isControl = (c >= 0 && c < ' ' && c != '\t') || c == 127;
+            if (isControl) throw std::runtime_error(path + ":" + std::to_string(number) + ": a control character");
+        }
         std::vector<std::string> cells = Split(line, '\t');
         if (m_columns.empty()) {
             for (size_t i = 0; i < cells.size(); ++i) m_columns[cells[i]] = i;

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+// The two files: the photograph as the camera writes it, and a tampered copy as an editing program saves it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "tools/sample/frame.h"
+
+namespace sample {
+
+struct Photo {
+    std::string jpeg;
+    std::string thumbnail;
+};
+
+// The camera's file, with its EXIF data and thumbnail.
+Photo MakePhoto(Picture const& picture, uint32_t seed);
+
+struct TamperedPhoto {
+    std::string jpeg;
+    Box region;  // what was pasted
+};
+
+// A copy in which what stands in `source` was saved at a low quality and pasted a second time. The thumbnail is that
+// of the untouched photograph, as careless editing leaves it.
+TamperedPhoto Tamper(Photo const& photo, Box const& source, uint32_t seed);
+
+}  // namespace sample
