@@ -10,6 +10,7 @@ function(orv_test program)
   cmake_parse_arguments(test "" "" "SOURCES;LINK;LABELS" ${ARGN})
   add_executable(${program} ${test_SOURCES})
   target_link_libraries(${program} PRIVATE orv_test_support ${test_LINK})
+  set_target_properties(${program} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
   target_precompile_headers(${program} REUSE_FROM orv_test_support)
   gtest_discover_tests(${program} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
     PROPERTIES TIMEOUT 180 LABELS "${test_LABELS}")
