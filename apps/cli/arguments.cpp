@@ -47,7 +47,7 @@ CLI::Option* AddList(CLI::App& app, std::string const& name, std::vector<std::st
         return true;
     };
     CLI::Option* const option = app.add_option(name, take, help)->type_name("");
-    option->expected(-std::max(least, 1));
+    option->expected(std::max(least, 1), CLI::detail::expected_max_vector_size)->allow_extra_args();
     if (least > 0) option->required();
     return option;
 }

@@ -61,9 +61,10 @@ public:
             if (found.empty()) throw Failure(ExitUsage, name, "no such command; \"orvelle help\" names them all");
             topic = found.front();
         }
-        // The program's own help would tell of the command that was given, which is "help".
-        if (topic == &m_app) m_app.clear();
-        return topic->help(topic == &m_app ? "orvelle" : Path(topic));
+        if (topic != &m_app) return topic->help(Path(topic->get_parent()));
+        // Cleared, or it would tell of the command that was given, which is "help".
+        m_app.clear();
+        return m_app.help();
     }
 
 private:

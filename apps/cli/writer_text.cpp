@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Aligned text for a person: one line a row, further warnings of a row on lines beneath.
+#include <algorithm>
+
 #include "apps/cli/recordwriter.h"
 #include "apps/cli/text.h"
 #include "orvcore/tablewriter.h"
@@ -24,40 +26,72 @@ std::vector<std::string> Lines(std::string const& text) {
     return lines;
 }
 
+std::string Trimmed(std::string line) {
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
 // No cell may hold a line break: text of the file would stand in lines of the program's.
 wxString Cell(std::string const& text) {
     return FromUtf8(Printable(text));
 }
 
+// A value longer than this and without a warning beside it does not push the warnings of all other rows aside.
+constexpr size_t WidestValue = 44;
+
 struct Layout {
     VecVecString table;
+    std::vector<std::string> longValues;
     // For each row of the table: what its last cell is, and how severe.
     std::vector<std::string> warnings;
     std::vector<char> markers;
 
     void Add(std::string const& title, std::string const& value, std::string const& warning, char marker) {
-        table.push_back({Cell(title), Cell(value), Cell(warning)});
+        const bool isLong = warning.empty() && CountCharacters(Printable(value)) > WidestValue;
+        table.push_back({Cell(title), Cell(isLong ? "" : value), Cell(warning)});
+        longValues.push_back(isLong ? Printable(value) : "");
         warnings.push_back(Printable(warning));
         markers.push_back(marker);
+        titleWidth = std::max(titleWidth, CountCharacters(Printable(title)));
     }
+
+    // The engine's layout, with the long values put in.
+    std::vector<std::string> Format() const {
+        std::vector<std::string> lines = Lines(ToUtf8(FormatTable(table)));
+        lines.resize(table.size());
+        for (size_t i = 0; i < lines.size(); ++i) {
+            if (!longValues[i].empty()) {
+                std::string title = Trimmed(ToUtf8(table[i][0]));
+                title.append(titleWidth + 1 - CountCharacters(title), ' ');
+                lines[i] = title + longValues[i];
+            }
+            lines[i] = Trimmed(lines[i]);
+        }
+        return lines;
+    }
+
+    size_t titleWidth = 0;
 };
 
-void AddRow(Layout& layout, RecordRow const& row) {
-    const std::vector<std::string> warnings = Lines(row.warnings);
-    const std::vector<std::string> values = row.isList ? row.items : std::vector<std::string>{row.value};
-    const char marker = row.warnings.empty() ? '\0' : row.warnings[0];
-    const size_t count = std::max({warnings.size(), values.size(), size_t{1}});
-    for (size_t i = 0; i < count; ++i) {
-        std::string warning = i < warnings.size() ? warnings[i] : "";
-        // The cell has one marker for all of its lines.
-        if (i > 0 && !warning.empty()) warning.insert(0, 1, marker);
-        layout.Add(i == 0 ? row.title : "", i < values.size() ? values[i] : "", warning, marker);
+// The engine's cell has one marker, that of its worst line. Here each line shows its own.
+char MarkerOf(Record const& record, RecordRow const& row, std::string const& message, char marker) {
+    for (RecordRule const& rule : record.rules) {
+        if (rule.row == row.key && rule.message == message) return rule.hard ? '!' : '?';
     }
+    return marker;
 }
 
-std::string Trimmed(std::string line) {
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line;
+void AddRow(Layout& layout, Record const& record, RecordRow const& row) {
+    const bool warned = !row.warnings.empty();
+    const std::vector<std::string> messages = warned ? Lines(row.warnings.substr(1)) : std::vector<std::string>();
+    const std::vector<std::string> values = row.isList ? row.items : std::vector<std::string>{row.value};
+    const size_t count = std::max({messages.size(), values.size(), size_t{1}});
+    for (size_t i = 0; i < count; ++i) {
+        const bool has = i < messages.size();
+        const char marker = has ? MarkerOf(record, row, messages[i], row.warnings[0]) : '\0';
+        layout.Add(i == 0 ? row.title : "", i < values.size() ? values[i] : "", has ? marker + messages[i] : "",
+                   marker);
+    }
 }
 
 class TextWriter : public RecordWriter {
@@ -69,7 +103,7 @@ public:
         m_first = false;
         if (m_style.many || record.slot == "reference") Heading(record);
         Layout layout;
-        for (RecordRow const& row : record.rows) AddRow(layout, row);
+        for (RecordRow const& row : record.rows) AddRow(layout, record, row);
         Print(layout);
         if (m_style.warnings) Counts(record);
         m_output.Flush();
@@ -85,9 +119,9 @@ private:
     }
 
     void Print(Layout const& layout) {
-        const std::vector<std::string> lines = Lines(ToUtf8(FormatTable(layout.table)));
-        for (size_t i = 0; i < layout.table.size() && i < lines.size(); ++i) {
-            std::string line = Trimmed(lines[i]);
+        std::vector<std::string> lines = layout.Format();
+        for (size_t i = 0; i < lines.size(); ++i) {
+            std::string& line = lines[i];
             std::string const& warning = layout.warnings[i];
             if (m_style.colour && !warning.empty() && line.size() >= warning.size()) {
                 line.insert(line.size() - Trimmed(warning).size(), layout.markers[i] == '!' ? Red : Yellow);
