@@ -97,7 +97,7 @@ uint64_t MeasureJpeg(ByteView view, uint64_t& looked) {
         hasScan = hasScan || segment.code == JpegSos;
         if (segment.code == JpegSos && !(hasTable && hasFrame)) isSound = false;
     }
-    looked += walker.Position();
+    looked += walker.SearchedBytes();
     return isSound && hasScan && walker.HasSeenEoi() ? walker.Position() : 0;
 }
 

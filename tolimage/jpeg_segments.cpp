@@ -49,7 +49,10 @@ bool JpegWalker::NextInHeader(JpegSegment& segment) {
     uint64_t at = start;
     while (true) {
         at = FindFill(m_view, at);
-        if (!m_view.Has(at, 2)) return End("ends before a scan");
+        if (!m_view.Has(at, 2)) {
+            m_searched += m_view.Size() - start;
+            return End("ends before a scan");
+        }
         const int code = m_view.At(at + 1);
         if (code == kFill) {
             ++at;
@@ -68,6 +71,7 @@ bool JpegWalker::NextInScan(JpegSegment& segment) {
     while (true) {
         at = FindFill(m_view, at);
         if (!m_view.Has(at, 2)) {
+            m_searched += m_view.Size() - m_position;
             m_position = m_view.Size();
             return End("ends within a scan");
         }
@@ -95,6 +99,7 @@ bool JpegWalker::FitsInScan(int code, uint64_t at) const {
 }
 
 bool JpegWalker::Emit(JpegSegment& segment, int code, uint64_t at, uint64_t skipped) {
+    m_searched += at - m_position + 1;
     segment = JpegSegment();
     segment.code = code;
     segment.offset = m_view.Base() + at;
