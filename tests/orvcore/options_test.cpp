@@ -43,7 +43,8 @@ protected:
 TEST_F(Options, GeneralSettings_StandInTheirOrder) {
     StartOptions();
     VecString names;
-    for (Parameter const& option : context->GetProgramOptions()[0]) names.push_back(option.Name());
+    VecVecParameter const options = context->GetProgramOptions();
+    for (Parameter const& option : options[0]) names.push_back(option.Name());
     VecString const expected = {"Language",
                                 "HiDPI Mode",
                                 "Log",
@@ -59,7 +60,7 @@ TEST_F(Options, GeneralSettings_StandInTheirOrder) {
                                 "Report Max Image Width",
                                 "Report Min Image Width"};
     EXPECT_EQ(expected, names);
-    EXPECT_EQ("General Settings", context->GetProgramOptions().GetGroupName(0));
+    EXPECT_EQ("General Settings", options.GetGroupName(0));
 }
 
 TEST_F(Options, Groups_StandInTheirOrder) {

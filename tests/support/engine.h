@@ -72,7 +72,7 @@ public:
     }
     ~EventRecorder() override { OrvSetEventSink(nullptr); }
     // Lets what is queued arrive; main thread only.
-    void Pump() { ProcessPendingEvents(); }
+    void Pump() { wxAppConsole::GetInstance()->ProcessPendingEvents(); }
     std::vector<int> Ids() const {
         std::vector<int> ids;
         for (OrvCommandEvent const& event : events) ids.push_back(event.GetId());
