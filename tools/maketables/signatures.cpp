@@ -66,12 +66,18 @@ std::string Md5(std::string const& bytes) {
     return text;
 }
 
-// The payloads of the DQT segments: all tables in one, or one each and a zero byte between them.
-std::string Digest(std::vector<Table> const& tables, bool isJoint, bool isTransposed) {
+// The payloads of the DQT segments: all tables in one ("joint", or "reversed" where the last comes first), or one each
+// and a zero byte between them.
+std::string Digest(std::vector<Table> const& tables, std::string const& layout, bool isTransposed) {
     std::string bytes;
     for (size_t i = 0; i < tables.size(); ++i) {
-        if (i > 0 && !isJoint) bytes += '\0';
-        bytes += AsStored(i, isTransposed ? Transposed(tables[i]) : tables[i]);
+        const std::string stored = AsStored(i, isTransposed ? Transposed(tables[i]) : tables[i]);
+        if (layout == "reversed") {
+            bytes.insert(0, stored);
+        } else {
+            if (i > 0 && layout != "joint") bytes += '\0';
+            bytes += stored;
+        }
     }
     return Md5(bytes);
 }
@@ -96,17 +102,18 @@ Signature ReadSignature(Tsv const& file, size_t row, std::vector<Table> const& t
         signature.tables.push_back(tables.at(static_cast<size_t>(std::stoi(number)) - 1));
     }
     if (signature.tables.size() > 3) file.Fail(row, "a record has at most three tables");
-    std::string const& layout = file.Cell(row, "layout");
-    // Of a layout that is like neither ("other") the published digest stands, and the turned one is not known.
-    if (layout == "other" || signature.tables.empty()) {
-        if (signature.digest.empty()) file.Fail(row, "neither digest nor layout");
+    if (signature.tables.empty()) {
+        if (signature.digest.empty()) file.Fail(row, "neither digest nor tables");
         return signature;
     }
-    const bool isJoint = layout == "joint";
-    const std::string digest = Digest(signature.tables, isJoint, false);
+    // Tables of no known layout get the digest of one table a segment, as the IJG library writes them.
+    std::string const& layout = file.Cell(row, "layout");
+    constexpr std::array<char const*, 5> layouts{"single", "separate", "joint", "reversed", "unknown"};
+    if (std::find(layouts.begin(), layouts.end(), layout) == layouts.end()) file.Fail(row, "a layout of no name");
+    const std::string digest = Digest(signature.tables, layout, false);
     if (!signature.digest.empty() && signature.digest != digest) file.Fail(row, "the tables have another digest");
     signature.digest = digest;
-    signature.rotated = Digest(signature.tables, isJoint, true);
+    signature.rotated = Digest(signature.tables, layout, true);
     return signature;
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "tools/sample/noise.h"
@@ -13,14 +14,14 @@ namespace {
 
 constexpr float FocusDistance = 32;       // metres
 constexpr float ApertureStrength = 5.5F;  // blur radius at one metre for a picture 1000 pixels wide
-constexpr float FullWell = 15000;         // electrons at light 1 in the green channel
+constexpr float FullWell = 9000;          // electrons at light 1 in the green channel
 constexpr float ReadNoise = 5;            // electrons
 constexpr float SensorPattern = 0.007F;   // spread of the pixels' sensitivities
 constexpr float RawSteps = 4095;          // 12 bits
 constexpr float RawWhite = 1.35F;         // the light at which a green pixel is full
 constexpr uint32_t SensorSeed = 0x5EED0060;
 constexpr std::array<float, 3> Sensitivity = {0.56F, 1.0F, 0.71F};
-constexpr int GoldenSamples = 20;
+constexpr size_t DiscSamples = 20;
 
 float Get(Colour const& colour, int channel) {
     return channel == 0 ? colour.r : (channel == 1 ? colour.g : colour.b);
@@ -40,7 +41,14 @@ float Gauss(int x, int y, uint32_t seed) {
 class Sensor {
 public:
     Sensor(Frame frame, uint32_t seed)
-        : m_frame(std::move(frame)), m_seed(seed * 7919 + 17), m_width(m_frame.width), m_height(m_frame.height) {}
+        : m_frame(std::move(frame)), m_seed(seed * 7919 + 17), m_width(m_frame.width), m_height(m_frame.height) {
+        // Even over the disc, by the golden angle.
+        for (size_t i = 0; i < DiscSamples; ++i) {
+            const float angle = 2.3999632F * static_cast<float>(i);
+            const float reach = std::sqrt((static_cast<float>(i) + 0.5F) / DiscSamples);
+            m_disc.at(i) = {reach * std::cos(angle), reach * std::sin(angle)};
+        }
+    }
 
     void Expose() {
         m_mosaic.resize(m_frame.colour.size());
@@ -72,17 +80,16 @@ private:
                                 Light(x, y + 1, channel);
             const float corners = Light(x - 1, y - 1, channel) + Light(x + 1, y - 1, channel) +
                                   Light(x - 1, y + 1, channel) + Light(x + 1, y + 1, channel);
-            return 0.40F * Light(x, y, channel) + 0.115F * edges + 0.035F * corners;
+            return 0.26F * Light(x, y, channel) + 0.125F * edges + 0.06F * corners;
         }
         float sum = 0;
-        const float turn = Unit(x, y, 99) * 6.2831853F;
-        for (int i = 0; i < GoldenSamples; ++i) {
-            const float angle = turn + 2.3999632F * static_cast<float>(i);
-            const float r = radius * std::sqrt((static_cast<float>(i) + 0.5F) / GoldenSamples);
-            sum += Light(x + static_cast<int>(std::lround(r * std::cos(angle))),
-                         y + static_cast<int>(std::lround(r * std::sin(angle))), channel);
+        for (size_t i = 0; i < DiscSamples; ++i) {
+            // Jittered, so that no pattern of samples shows.
+            const float jitter = static_cast<float>((Hash(x, y, 99) >> (i % 24)) & 255U) / 256;
+            sum += Light(x + static_cast<int>(std::floor(radius * m_disc.at(i).first + jitter)),
+                         y + static_cast<int>(std::floor(radius * m_disc.at(i).second + 1 - jitter)), channel);
         }
-        return sum / GoldenSamples;
+        return sum / DiscSamples;
     }
 
     float Vignetting(int x, int y) const {
@@ -118,6 +125,7 @@ private:
     int m_width;
     int m_height;
     std::vector<float> m_mosaic;
+    std::array<std::pair<float, float>, DiscSamples> m_disc{};
 };
 
 // Gradient-corrected bilinear interpolation: H. Malvar, L. He, R. Cutler, "High-quality linear interpolation for
@@ -190,7 +198,7 @@ void SharpenRow(Picture const& in, Picture& out, int y) {
         const int down = std::min(y + 1, in.height - 1);
         const float around =
             (Luma(in.At(left, y)) + Luma(in.At(right, y)) + Luma(in.At(x, up)) + Luma(in.At(x, down))) / 4;
-        const float gain = std::clamp(0.55F * Core(Luma(in.At(x, y)) - around), -24.0F, 24.0F);
+        const float gain = std::clamp(0.75F * Core(Luma(in.At(x, y)) - around), -24.0F, 24.0F);
         for (int channel = 0; channel < 3; ++channel) {
             const float value = static_cast<float>(in.At(x, y)[channel]) + gain;
             out.At(x, y)[channel] = static_cast<unsigned char>(std::lround(std::clamp(value, 0.0F, 255.0F)));

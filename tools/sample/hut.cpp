@@ -15,8 +15,8 @@ constexpr float WallHeight = 2.5F;
 constexpr float RoofHeight = 1.9F;
 constexpr float Overhang = 0.45F;
 constexpr float Yaw = 0.55F;  // radians
-constexpr Colour SunLight = {1.42F, 1.30F, 1.10F};
-constexpr Colour SkyLight = {0.20F, 0.25F, 0.33F};
+constexpr Colour SunLight = {1.62F, 1.48F, 1.25F};
+constexpr Colour SkyLight = {0.22F, 0.28F, 0.38F};
 
 bool Within(float value, float low, float high) {
     return value >= low && value <= high;
@@ -29,8 +29,8 @@ Hut::Face Hut::MakeFace(Kind kind, Point corner, Point along, Point up) {
 }
 
 Hut::Hut(Terrain const& terrain) : m_terrain(terrain) {
-    m_centre = {9.4F, 0, 29};
-    m_centre.y = terrain.Height(m_centre.x, m_centre.z) - 0.35F;
+    m_centre = {9.4F, 0, 31};
+    m_centre.y = terrain.Height(m_centre.x, m_centre.z) - 0.05F;
     const Point right{std::cos(Yaw), 0, std::sin(Yaw)};
     const Point back{-std::sin(Yaw), 0, std::cos(Yaw)};
     const Point up{0, 1, 0};
@@ -185,6 +185,21 @@ void Hut::Paint(Frame& frame, View const& view, int begin, int end) const {
             if (covered > 1) frame.depth[pixel] = nearest;
         }
     }
+}
+
+float Hut::GetCoverage(View const& view, float column, float row) const {
+    int covered = 0;
+    for (int sub = 0; sub < 4; ++sub) {
+        const float x = column + 0.5F * static_cast<float>(sub % 2) - 0.25F;
+        const float y = row + 0.5F * static_cast<float>(sub / 2) - 0.25F;
+        Hit hit;
+        for (Face const& face : m_faces) {
+            if (!Meets(face, {0, view.eye, 0}, {view.SlopeX(x), view.SlopeY(y), 1}, hit)) continue;
+            ++covered;
+            break;
+        }
+    }
+    return static_cast<float>(covered) / 4;
 }
 
 Box Hut::GetBox(View const& view) const {

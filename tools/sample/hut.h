@@ -20,6 +20,9 @@ public:
     // Draws what lies in rows `begin` to `end`, in front of what is further away.
     void Paint(Frame& frame, View const& view, int begin, int end) const;
 
+    // How much of a pixel the hut fills, 0 to 1, whatever stands in front of it.
+    float GetCoverage(View const& view, float column, float row) const;
+
     // The part of the picture that holds the hut and some ground around it, within the picture.
     Box GetBox(View const& view) const;
 

@@ -82,8 +82,8 @@ std::array<unsigned, DCTSIZE2> MakeTable(double constant, double linear, double 
 
 std::string EncodeAsCamera(Picture const& picture) {
     Encoder encoder(picture, true);
-    jpeg_add_quant_table(encoder.Info(), 0, MakeTable(2.0, 0.42, 0.06).data(), 100, TRUE);
-    jpeg_add_quant_table(encoder.Info(), 1, MakeTable(2.6, 0.95, 0.08).data(), 100, TRUE);
+    jpeg_add_quant_table(encoder.Info(), 0, MakeTable(1.4, 0.28, 0.04).data(), 100, TRUE);
+    jpeg_add_quant_table(encoder.Info(), 1, MakeTable(1.8, 0.60, 0.05).data(), 100, TRUE);
     return encoder.Run();
 }
 

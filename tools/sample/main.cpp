@@ -96,7 +96,7 @@ void Run(Options const& options) {
     const sample::Photo photo = sample::MakePhoto(picture, options.seed);
     Write(options.folder + "/sample.jpg", photo.jpeg);
     const sample::TamperedPhoto tampered =
-        sample::Tamper(photo, sample::GetHutBox(options.width, options.height, options.seed), options.seed);
+        sample::Tamper(photo, sample::GetHut(options.width, options.height, options.seed), options.seed);
     Write(options.folder + "/sample-tampered.jpg", tampered.jpeg);
     sample::Box const& region = tampered.region;
     std::cout << "sample-tampered.jpg " << region.x << ' ' << region.y << ' ' << region.width << ' ' << region.height

@@ -33,26 +33,38 @@ inline float Smooth(float low, float high, float value) {
     return t * t * (3 - 2 * t);
 }
 
-inline float Slope(uint32_t hash, float x, float y) {
-    const float u = (hash & 1U) != 0 ? x : -x;
-    const float v = (hash & 2U) != 0 ? y : -y;
-    return (hash & 4U) != 0 ? u + 0.5F * v : v + 0.5F * u;
+inline constexpr float GradientX[8] = {1, -1, 0.5F, 0.5F, 1, -1, -0.5F, -0.5F};
+inline constexpr float GradientY[8] = {0.5F, 0.5F, 1, -1, -0.5F, -0.5F, 1, -1};
+
+// The height of a plane through a lattice point, its slope drawn by the point's two products.
+inline float Plane(uint32_t px, uint32_t py, float x, float y) {
+    uint32_t h = px ^ py;
+    h = (h ^ (h >> 15U)) * 0x2C1B3C6DU;
+    const uint32_t i = h >> 29U;
+    return GradientX[i] * x + GradientY[i] * y;
+}
+
+inline int32_t Floor(float value) {
+    const auto whole = static_cast<int32_t>(value);
+    return static_cast<float>(whole) > value ? whole - 1 : whole;
 }
 
 // Gradient noise, about -1 to 1, one feature a unit.
 inline float Noise(float x, float y, uint32_t seed) {
-    const float fx = std::floor(x);
-    const float fy = std::floor(y);
-    const auto ix = static_cast<int32_t>(fx);
-    const auto iy = static_cast<int32_t>(fy);
-    x -= fx;
-    y -= fy;
+    const int32_t ix = Floor(x);
+    const int32_t iy = Floor(y);
+    x -= static_cast<float>(ix);
+    y -= static_cast<float>(iy);
+    const uint32_t left = static_cast<uint32_t>(ix) * 0x8DA6B343U;
+    const uint32_t right = left + 0x8DA6B343U;
+    const uint32_t salt = seed * 0xCB1AB31FU;
+    const uint32_t top = (static_cast<uint32_t>(iy) * 0xD8163841U) ^ salt;
+    const uint32_t bottom = ((static_cast<uint32_t>(iy) + 1) * 0xD8163841U) ^ salt;
     const float u = x * x * x * (x * (x * 6 - 15) + 10);
     const float v = y * y * y * (y * (y * 6 - 15) + 10);
-    const float top = Mix(Slope(Hash(ix, iy, seed), x, y), Slope(Hash(ix + 1, iy, seed), x - 1, y), u);
-    const float bottom =
-        Mix(Slope(Hash(ix, iy + 1, seed), x, y - 1), Slope(Hash(ix + 1, iy + 1, seed), x - 1, y - 1), u);
-    return 1.1F * Mix(top, bottom, v);
+    const float upper = Mix(Plane(left, top, x, y), Plane(right, top, x - 1, y), u);
+    const float lower = Mix(Plane(left, bottom, x, y - 1), Plane(right, bottom, x - 1, y - 1), u);
+    return 1.1F * Mix(upper, lower, v);
 }
 
 // Octaves of noise, each of half the size and half the strength, turned so that no lattice shows; about -1 to 1.

@@ -66,7 +66,7 @@ void AddExposureTags(ExifWriter& exif) {
     exif.Ascii(ExifDirectory::Exif, 0x9003, TakenAt);
     exif.Ascii(ExifDirectory::Exif, 0x9004, TakenAt);
     exif.Undefined(ExifDirectory::Exif, 0x9101, std::string("\x01\x02\x03\0", 4));
-    exif.Rational(ExifDirectory::Exif, 0x9102, {{5, 1}});
+    exif.Rational(ExifDirectory::Exif, 0x9102, {{3, 1}});
     exif.SignedRational(ExifDirectory::Exif, 0x9204, 0, 3);
     exif.Rational(ExifDirectory::Exif, 0x9205, {{30, 10}});
     exif.Short(ExifDirectory::Exif, 0x9207, {5});
@@ -118,24 +118,30 @@ Picture Cut(Picture const& picture, Box const& box) {
     return part;
 }
 
-// 1 in the middle of the box, falling to 0 within `feather` pixels of its edge.
-float Opacity(Box const& box, int x, int y, float feather) {
-    const int distance = std::min(std::min(x, box.width - 1 - x), std::min(y, box.height - 1 - y));
-    return Smooth(0, feather, static_cast<float>(distance));
-}
-
-void Paste(Picture& picture, Picture const& part, Box const& box) {
-    const float feather = std::max(3.0F, static_cast<float>(std::min(box.width, box.height)) * 0.05F);
-    for (int y = 0; y < box.height; ++y) {
-        for (int x = 0; x < box.width; ++x) {
-            const float opacity = Opacity(box, x, y, feather);
-            unsigned char* target = picture.At(box.x + x, box.y + y);
+// Pastes the object with its corner at (left, top) and gives the least box around what was changed.
+Box Paste(Picture& picture, Picture const& part, Cutout const& object, int left, int top) {
+    int right = 0;
+    int bottom = 0;
+    Box changed{picture.width, picture.height, 0, 0};
+    for (int y = 0; y < part.height; ++y) {
+        for (int x = 0; x < part.width; ++x) {
+            const float opacity =
+                object.coverage[static_cast<size_t>(y) * static_cast<size_t>(part.width) + static_cast<size_t>(x)];
+            if (opacity <= 0) continue;
+            unsigned char* target = picture.At(left + x, top + y);
             for (int channel = 0; channel < 3; ++channel) {
                 const float mixed = Mix(target[channel], part.At(x, y)[channel], opacity);
                 target[channel] = static_cast<unsigned char>(std::lround(mixed));
             }
+            changed.x = std::min(changed.x, left + x);
+            changed.y = std::min(changed.y, top + y);
+            right = std::max(right, left + x + 1);
+            bottom = std::max(bottom, top + y + 1);
         }
     }
+    changed.width = right - changed.x;
+    changed.height = bottom - changed.y;
+    return changed;
 }
 
 }  // namespace
@@ -147,17 +153,14 @@ Photo MakePhoto(Picture const& picture, uint32_t seed) {
     return photo;
 }
 
-TamperedPhoto Tamper(Photo const& photo, Box const& source, uint32_t seed) {
+TamperedPhoto Tamper(Photo const& photo, Cutout const& object, uint32_t seed) {
     Picture picture = Decode(photo.jpeg);
-    const Picture part = Decode(EncodeAsProgram(Cut(picture, source), PatchQuality));
-    TamperedPhoto tampered;
-    tampered.region = source;
+    const Picture part = Decode(EncodeAsProgram(Cut(picture, object.box), PatchQuality));
     // Off the 8 by 8 grid in both directions.
-    tampered.region.x = std::max(0, source.x - picture.width * 2 / 5) / 8 * 8 + 3;
-    tampered.region.y = std::min(picture.height - source.height, source.y + picture.height / 60) / 8 * 8 + 5;
-    tampered.region.x = std::min(tampered.region.x, picture.width - source.width);
-    tampered.region.y = std::min(tampered.region.y, picture.height - source.height);
-    Paste(picture, part, tampered.region);
+    const int left = std::clamp((object.box.x - picture.width * 27 / 100) / 8 * 8 + 3, 0, picture.width - part.width);
+    const int top = std::clamp((object.box.y + picture.height / 60) / 8 * 8 + 5, 0, picture.height - part.height);
+    TamperedPhoto tampered;
+    tampered.region = Paste(picture, part, object, left, top);
     tampered.jpeg = Join(EncodeAsProgram(picture, ProgramQuality),
                          MakeExif(picture, photo.thumbnail, seed, "GIMP 2.10.34", "2023:11:02 21:15:08"));
     return tampered;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tools/sample/frame.h"
+#include "tools/sample/scene.h"
 
 namespace sample {
 
@@ -19,11 +20,11 @@ Photo MakePhoto(Picture const& picture, uint32_t seed);
 
 struct TamperedPhoto {
     std::string jpeg;
-    Box region;  // what was pasted
+    Box region;  // the least box around the pasted pixels
 };
 
-// A copy in which what stands in `source` was saved at a low quality and pasted a second time. The thumbnail is that
-// of the untouched photograph, as careless editing leaves it.
-TamperedPhoto Tamper(Photo const& photo, Box const& source, uint32_t seed);
+// A copy in which the object was saved at a low quality and pasted a second time, further to the left. The thumbnail is
+// that of the untouched photograph, as careless editing leaves it.
+TamperedPhoto Tamper(Photo const& photo, Cutout const& object, uint32_t seed);
 
 }  // namespace sample

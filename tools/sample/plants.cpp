@@ -116,7 +116,7 @@ void Plants::PaintConifer(Frame& frame, Conifer const& tree, int begin, int end)
             if (opacity <= 0 && !trunk) continue;
             const float side = x / (profile + 0.05F);
             const float lit = Clamp01(0.40F - 0.42F * side + 0.75F * needles + 0.30F * (0.5F - layer));
-            Colour colour = Blend({0.010F, 0.019F, 0.010F}, {0.088F, 0.118F, 0.040F}, lit) * tone;
+            Colour colour = Blend({0.009F, 0.016F, 0.010F}, {0.068F, 0.090F, 0.036F}, lit) * tone;
             if (opacity < 0.35F && trunk) colour = {0.055F, 0.042F, 0.032F};
             const size_t pixel = frame.At(column, row);
             const float nearer = tree.foot.z < 400 ? tree.foot.z : tree.foot.z * 0.985F;

@@ -155,9 +155,23 @@ Frame RenderScene(int width, int height, uint32_t seed) {
     return frame;
 }
 
-Box GetHutBox(int width, int height, uint32_t seed) {
+Cutout GetHut(int width, int height, uint32_t seed) {
     const Terrain terrain(seed);
-    return Hut(terrain).GetBox(MakeView(width, height, terrain));
+    const View view = MakeView(width, height, terrain);
+    const Hut hut(terrain);
+    Cutout cutout;
+    cutout.box = hut.GetBox(view);
+    cutout.box.x = std::clamp(cutout.box.x, 0, width - 1);
+    cutout.box.y = std::clamp(cutout.box.y, 0, height - 1);
+    cutout.box.width = std::clamp(cutout.box.width, 1, width - cutout.box.x);
+    cutout.box.height = std::clamp(cutout.box.height, 1, height - cutout.box.y);
+    for (int y = 0; y < cutout.box.height; ++y) {
+        for (int x = 0; x < cutout.box.width; ++x) {
+            cutout.coverage.push_back(
+                hut.GetCoverage(view, static_cast<float>(cutout.box.x + x), static_cast<float>(cutout.box.y + y)));
+        }
+    }
+    return cutout;
 }
 
 }  // namespace sample

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "tools/sample/frame.h"
 
@@ -11,7 +12,13 @@ namespace sample {
 // The same seed gives the same scene in any size.
 Frame RenderScene(int width, int height, uint32_t seed);
 
-// The part of the picture that shows the hut.
-Box GetHutBox(int width, int height, uint32_t seed);
+// An object in the picture: its surroundings and, for each pixel of these row by row, how much of it belongs to it.
+struct Cutout {
+    Box box;
+    std::vector<float> coverage;  // 0 to 1
+};
+
+// The hut on the near shore, with the ground at its foot.
+Cutout GetHut(int width, int height, uint32_t seed);
 
 }  // namespace sample

@@ -56,6 +56,8 @@ public:
 
 private:
     Colour ShoreAlbedo(Point at, float& bump) const;
+    Colour BeachAlbedo(Point at, float& bump) const;
+    Colour GrassAlbedo(Point at) const;
     Colour MountainAlbedo(Point at, Point normal) const;
 
     uint32_t m_seed;
