@@ -80,13 +80,6 @@ Parameter MakeRow(size_t row, char const* title) {
     return IsSizeRow(row) ? CreateParameterImageResolution(title, "") : CreateParameterOutputString(title, "");
 }
 
-// Two decimals and a point in every locale; infinities and NaN as C prints them.
-wxString TwoDecimals(double number) {
-    std::array<char, 400> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, 2).ptr;
-    return wxString::FromAscii(text.data(), static_cast<size_t>(end - text.data()));
-}
-
 wxString TranslatedBool(bool value) {
     return OrvTranslate(ToString<bool>(value));
 }
@@ -100,6 +93,12 @@ wxString TimeText(wxDateTime const& time) {
 }
 
 }  // namespace
+
+wxString FormatTwoDecimals(double number) {
+    std::array<char, 400> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, 2).ptr;
+    return wxString::FromAscii(text.data(), static_cast<size_t>(end - text.data()));
+}
 
 ImageInfoTable::ImageInfoTable(OrvFileId fileId, bool extended)
     : OrvInfoTable(fileId), m_extended(extended), m_rules(MakeImageWarningRules()), m_rowMap(MakeImageWarningRowMap()) {
@@ -179,7 +178,7 @@ void ImageInfoTable::FillImageRows(Facts const& facts) {
     SetSize(RowEncodedSize, details.EncodedWidth, details.EncodedHeight);
     SetSize(RowDisplayedSize, displayed.x, displayed.y);
     SetSize(RowNormalizedSize, details.NormalizedLongSide, details.NormalizedShortSide);
-    SetText(RowAspectRatio, TwoDecimals(facts.aspectRatio));
+    SetText(RowAspectRatio, FormatTwoDecimals(facts.aspectRatio));
     SetNumber(RowChannels, details.Channels);
     SetNumber(RowBpp, details.BitsPerPixel);
     SetImageSize(RowThumbnailSize, RowThumbnailNormalizedSize, facts.thumbnail);

@@ -2,6 +2,8 @@
 // The rows of the image information table and the making of its rules.
 #pragma once
 
+#include <wx/string.h>
+
 #include <cstddef>
 #include <vector>
 
@@ -57,3 +59,6 @@ enum ImageRow : size_t {
 
 std::vector<ImageWarningRule> MakeImageWarningRules();
 std::vector<std::vector<int>> MakeImageWarningRowMap();
+
+// Two decimals and a point in every locale; infinities and NaN as C prints them.
+wxString FormatTwoDecimals(double number);
