@@ -2,8 +2,10 @@
 #include "tolbase/image.h"
 
 #include <opencv2/imgproc/imgproc_c.h>
+#include <sys/mman.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <opencv2/imgproc.hpp>
@@ -56,13 +58,25 @@ bool IsKnownDepth(int depth) {
     return false;
 }
 
+// Filling a big picture costs as much in page faults as in decoding unless the kernel gives it large pages. It is a
+// hint: nothing depends on it.
+void UseLargePages(_IplImage const& header) {
+    constexpr uintptr_t kLargePage = 2U << 20;
+    const auto start = reinterpret_cast<uintptr_t>(header.imageData);
+    const uintptr_t first = (start + kLargePage - 1) / kLargePage * kLargePage;
+    const uintptr_t last = (start + static_cast<uintptr_t>(header.imageSize)) / kLargePage * kLargePage;
+    if (last > first) madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+}
+
 // Null for sizes without pixels, for more bytes than a header can count, and where memory is short.
 _IplImage* NewHeader(int width, int height, int depth, int channels) {
     if (width <= 0 || height <= 0 || channels < 1 || channels > 4 || !IsKnownDepth(depth)) return nullptr;
     const int64_t bytes = int64_t{width} * channels * ((depth & 255) / 8) + 3;
     if (bytes > std::numeric_limits<int>::max() / height) return nullptr;
     try {
-        return cvCreateImage(cvSize(width, height), depth, channels);
+        _IplImage* header = cvCreateImage(cvSize(width, height), depth, channels);
+        UseLargePages(*header);
+        return header;
     } catch (cv::Exception const&) {
         return nullptr;
     }
@@ -147,9 +161,14 @@ Image Image::FromMat(cv::Mat const& matrix) {
     return result;
 }
 
-Image Image::Create(int width, int height, int depth, int channels) {
+Image Image::CreateUnset(int width, int height, int depth, int channels) {
     CheckPictureSize(width, height);
     Image result(NewHeader(width, height, depth, channels));
+    return result.IsOk() ? result : Image();
+}
+
+Image Image::Create(int width, int height, int depth, int channels) {
+    Image result = CreateUnset(width, height, depth, channels);
     if (!result.IsOk()) return Image();
     std::memset(result.Data(), 0, static_cast<size_t>(result.Step()) * static_cast<size_t>(height));
     return result;

@@ -66,6 +66,8 @@ public:
     // Zeroed pixels. `depth` is OpenCV's (IPL_DEPTH_8U, ...). Throws TolLimitError past the limits "image-side" and
     // "pixels-per-image"; gives an image that is not ok where a size is not positive or memory is short.
     static Image Create(int width, int height, int depth, int channels);
+    // The same for a caller who writes every pixel: what they hold before is undefined.
+    static Image CreateUnset(int width, int height, int depth, int channels);
     // Gives the header to a caller who frees it by cvReleaseImage; the pixels are copied only if they are shared. The
     // image is not ok afterwards.
     _IplImage* Release();

@@ -66,6 +66,8 @@ Format Sniff(ByteView file) {
     if (IsPnm(file)) return Format::Pnm;
     if (IsIco(file)) return Format::Ico;
     if (IsTga(file)) return Format::Tga;
+    // Rubbish behind the first marker, which JPEG decoders pass over.
+    if (Starts(file, "\xFF\xD8")) return Format::Jpeg;
     return Format::Unknown;
 }
 
@@ -114,10 +116,21 @@ void CheckSize(int64_t width, int64_t height, uint64_t bytes, uint64_t pixelsPer
     }
 }
 
-Image NewImage(int width, int height, int depth, int channels) {
-    Image image = Image::Create(width, height, depth, channels);
+namespace {
+
+Image Fitting(Image image) {
     if (!image.IsOk()) throw DecodeError(ByteErrorKind::Unsupported, "the picture does not fit into memory");
     return image;
+}
+
+}  // namespace
+
+Image NewImage(int width, int height, int depth, int channels) {
+    return Fitting(Image::Create(width, height, depth, channels));
+}
+
+Image NewUnsetImage(int width, int height, int depth, int channels) {
+    return Fitting(Image::CreateUnset(width, height, depth, channels));
 }
 
 Image Decode(ByteView file) {

@@ -41,8 +41,10 @@ char const* FormatName(Format format, ByteView file);
 // Checks the limits "image-side" and "pixels-per-image", and that the file has at least one byte for so many pixels;
 // pictures of up to 16 Mi pixels may always be so small. Throws TolLimitError or ImplausibleSize.
 void CheckSize(int64_t width, int64_t height, uint64_t bytes, uint64_t pixelsPerByte);
-// Image::Create that throws DecodeError where memory is short.
+// Image::Create (or, where every pixel is going to be written, CreateUnset) that throws DecodeError where memory is
+// short.
 Image NewImage(int width, int height, int depth, int channels);
+Image NewUnsetImage(int width, int height, int depth, int channels);
 // Keeps the first remark of this thread's decoding for tcvLastLoadWarning.
 void Warn(std::string const& remark);
 

@@ -196,8 +196,9 @@ Image DecodeJpeg(ByteView file) {
         throw DecodeError(ByteErrorKind::Unsupported, std::to_string(components) + " colour components");
     }
     if (!Start(decoder)) Fail(decoder);
-    Image image = NewImage(static_cast<int>(decoder.info.output_width), static_cast<int>(decoder.info.output_height),
-                           IPL_DEPTH_8U, decoder.info.output_components == 1 ? 1 : 3);
+    Image image =
+        NewUnsetImage(static_cast<int>(decoder.info.output_width), static_cast<int>(decoder.info.output_height),
+                      IPL_DEPTH_8U, decoder.info.output_components == 1 ? 1 : 3);
     if (decoder.info.output_components == 4) {
         ReadCmyk(decoder, image);
     } else {
