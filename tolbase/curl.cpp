@@ -23,14 +23,9 @@ bool StartLibrary() {
     return good;
 }
 
-std::string Utf8(const wxString& text) {
-    const auto utf8 = text.utf8_str();
-    return utf8.data() == nullptr ? std::string() : std::string(utf8.data(), utf8.length());
-}
-
 // One header line can't become two.
 std::string HeaderLine(const wxString& text) {
-    std::string line = Utf8(text);
+    std::string line = TolToUtf8(text);
     line.erase(std::remove_if(line.begin(), line.end(),
                               [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }),
                line.end());
@@ -98,7 +93,7 @@ std::string FormOf(CURL* handle, const std::vector<NameValueDesc>& fields) {
     std::string form;
     for (const NameValueDesc& field : fields) {
         for (const wxString* text : {&field.Name, &field.Value}) {
-            const std::string bytes = Utf8(*text);
+            const std::string bytes = TolToUtf8(*text);
             char* escaped = curl_easy_escape(handle, bytes.c_str(), static_cast<int>(bytes.size()));
             form += text == &field.Name ? (form.empty() ? "" : "&") : "=";
             if (escaped != nullptr) form += escaped;
@@ -158,7 +153,7 @@ bool CurlClass::InitCurl() {
 }
 
 void CurlClass::SetRequest(const wxString& request) {
-    m_impl->request = Utf8(request);
+    m_impl->request = TolToUtf8(request);
 }
 void CurlClass::SetTimeLimit(int seconds) {
     m_impl->seconds = seconds > 0 ? seconds : DefaultSeconds;
@@ -185,7 +180,7 @@ int CurlClass::SendSSLRequest(const wxString& header, const std::vector<NameValu
     std::unique_ptr<curl_slist, FreeList> headers;
     if (!line.empty()) headers.reset(curl_slist_append(nullptr, line.c_str()));
     if (headers != nullptr) curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers.get());
-    const std::string post = fields.empty() ? Utf8(body) : FormOf(curl, fields);
+    const std::string post = fields.empty() ? TolToUtf8(body) : FormOf(curl, fields);
     if (!post.empty()) {
         curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(post.size()));
         curl_easy_setopt(curl, CURLOPT_POSTFIELDS, post.c_str());
@@ -199,9 +194,7 @@ int CurlClass::SendSSLRequest(const wxString& header, const std::vector<NameValu
 }
 
 wxString CurlClass::GetResponseString() const {
-    const std::string& bytes = m_impl->sink.bytes;
-    const wxString text = wxString::FromUTF8(bytes.data(), bytes.size());
-    return text.empty() && !bytes.empty() ? wxString::From8BitData(bytes.data(), bytes.size()) : text;
+    return TolFromUtf8(m_impl->sink.bytes);
 }
 
 const std::string& CurlClass::GetResponseBytes() const {

@@ -13,6 +13,7 @@
 #include <filesystem>
 
 #include "tolbase/filebytes.h"
+#include "tolbase/text.h"
 
 namespace tolbase {
 
@@ -71,8 +72,9 @@ void TolInitFileNames() {
 }
 
 std::string PathToBytes(const wxString& path) {
-    const wxScopedCharBuffer bytes = path.mb_str(FileNameConversion());
-    return bytes.data() == nullptr ? std::string() : std::string(bytes.data(), bytes.length());
+    std::size_t size = 0;
+    const wxCharBuffer bytes = FileNameConversion().cWC2MB(path.wc_str(), path.length(), &size);
+    return bytes.data() == nullptr ? std::string() : std::string(bytes.data(), size);
 }
 
 wxString PathFromBytes(const std::string& bytes) {
@@ -112,10 +114,7 @@ wxString ReadFile(const wxString& path) {
         const wxString text(bytes.data() + 2, conversion, (bytes.size() - 2) / 2 * 2);
         if (!text.empty()) return text;
     }
-    const char* start = bytes.data() + (mark ? 3 : 0);
-    const std::size_t size = bytes.size() - (mark ? 3 : 0);
-    const wxString text = wxString::FromUTF8(start, size);
-    return text.empty() && size > 0 ? wxString::From8BitData(start, size) : text;
+    return TolFromUtf8(mark ? bytes.substr(3) : bytes);
 }
 
 namespace {
@@ -189,10 +188,7 @@ bool WriteFileAtomically(const wxString& path, const std::string& bytes) {
 }
 
 bool WriteFile(const wxString& path, const wxString& text) {
-    const auto utf8 = text.utf8_str();
-    // Text that has no UTF-8 form is refused: an empty file would be a lost one.
-    if (utf8.length() == 0 && !text.empty()) return false;
-    return WriteFileAtomically(path, std::string(utf8.data() == nullptr ? "" : utf8.data(), utf8.length()));
+    return WriteFileAtomically(path, TolToUtf8(text));
 }
 
 namespace {

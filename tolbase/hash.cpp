@@ -91,7 +91,6 @@ wxString TcvCalcHashFromMemory(const void* data, std::size_t size, HashAlgorithm
 }
 
 wxString TcvCalcHashOfConcatenatedStrings(const VecString& strings, const wxString& separator) {
-    const wxString joined = CatVecString(strings, separator);
-    const auto utf8 = joined.utf8_str();
-    return TcvCalcHashFromMemory(utf8.data(), utf8.length(), MD5);
+    const std::string utf8 = TolToUtf8(CatVecString(strings, separator));
+    return TcvCalcHashFromMemory(utf8.data(), utf8.size(), MD5);
 }

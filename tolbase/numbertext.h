@@ -23,10 +23,9 @@ wxString NumberToText(T number) {
 // True if the text, blanks at its ends aside, is one number that fits.
 template <class T>
 bool TextToNumber(const wxString& text, T& number) {
-    const auto utf8 = ::Trim(text).utf8_str();
-    if (utf8.data() == nullptr) return false;
+    const std::string utf8 = ::TolToUtf8(::Trim(text));
     const char* begin = utf8.data();
-    const char* end = begin + utf8.length();
+    const char* end = begin + utf8.size();
     // A plus sign is read as people write it; "+-5" isn't.
     if (end - begin > 1 && *begin == '+' && begin[1] != '-') ++begin;
     T value{};

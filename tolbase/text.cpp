@@ -4,6 +4,8 @@
 #include <iostream>
 #include <mutex>
 
+#include "wxjson/utf8text.h"
+
 wxString Trim(const wxString& text) {
     wxString trimmed(text);
     trimmed.Trim(true).Trim(false);
@@ -49,6 +51,15 @@ VecString Strings(const wxString& s1, const wxString& s2, const wxString& s3, co
     return list;
 }
 
+std::string TolToUtf8(const wxString& text) {
+    return wxJSONToUtf8(text);
+}
+
+wxString TolFromUtf8(const std::string& bytes) {
+    const wxString text = wxString::FromUTF8(bytes.data(), bytes.size());
+    return text.empty() && !bytes.empty() ? wxString::From8BitData(bytes.data(), bytes.size()) : text;
+}
+
 wxString EscapeHtmlString(const wxString& text) {
     wxString escaped;
     escaped.reserve(text.length());
@@ -77,9 +88,8 @@ wxString EscapeHtmlString(const wxString& text) {
 wxString TolEscapeUrlString(const wxString& text) {
     static const char hex[] = "0123456789ABCDEF";
     std::string escaped;
-    const auto utf8 = text.utf8_str();
-    for (std::size_t i = 0; i < utf8.length(); ++i) {
-        const auto byte = static_cast<unsigned char>(utf8.data()[i]);
+    for (const char c : TolToUtf8(text)) {
+        const auto byte = static_cast<unsigned char>(c);
         const bool plain = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
                            (byte >= '0' && byte <= '9') || byte == '-' || byte == '_' || byte == '.' || byte == '~';
         if (plain) {
@@ -107,8 +117,7 @@ TolMessageHandler& Handler() {
 
 void WriteToErrorOutput(const wxString& message, const wxString& title) {
     const wxString line = (title.empty() ? message : title + ": " + message) + "\n";
-    const auto utf8 = line.utf8_str();
-    std::cerr.write(utf8.data(), static_cast<std::streamsize>(utf8.length()));
+    std::cerr << TolToUtf8(line);
     std::cerr.flush();
 }
 

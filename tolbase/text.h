@@ -6,6 +6,7 @@
 #include <wx/tokenzr.h>
 
 #include <functional>
+#include <string>
 
 #include "tolbase/export.h"
 #include "tolbase/types.h"
@@ -24,6 +25,11 @@ ORV_API VecString StringToVecString(const wxString& text, const wxString& delimi
 ORV_API VecString Strings(const wxString& s1, const wxString& s2, const wxString& s3, const wxString& s4,
                           const wxString& s5, const wxString& s6, const wxString& s7, const wxString& s8,
                           const wxString& s9, const wxString& s10);
+// UTF-8; what is no character becomes U+FFFD. Unlike wxString's own conversions it never fails, and it leaves the
+// string alone: two threads may read the same one.
+ORV_API std::string TolToUtf8(const wxString& text);
+// The inverse; bytes that are no UTF-8 are taken as ISO 8859-1.
+ORV_API wxString TolFromUtf8(const std::string& bytes);
 // & < > " ' as entities; control characters, which no page may hold, as U+FFFD (tab and line ends stay).
 ORV_API wxString EscapeHtmlString(const wxString& text);
 // Percent-encoded UTF-8; only letters, digits and - _ . ~ stay.

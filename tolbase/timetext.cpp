@@ -67,7 +67,7 @@ Date DateFromDays(int64_t days) {
 // Walks through a text; every reading operation gives false, and moves nothing, where the text has something else.
 class Cursor {
 public:
-    explicit Cursor(const wxString& text) : m_text(text.utf8_str().data() == nullptr ? "" : text.utf8_str().data()) {}
+    explicit Cursor(const wxString& text) : m_text(TolToUtf8(text)) {}
 
     bool Char(char c) {
         if (m_at >= m_text.size() || m_text[m_at] != c) return false;

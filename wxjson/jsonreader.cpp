@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "jsonrepair.h"
+#include "utf8text.h"
 
 namespace {
 
@@ -138,9 +139,7 @@ int wxJSONReader::ParseUtf8(const std::string& text, wxJSONValue* value) {
 }
 
 int wxJSONReader::Parse(const wxString& text, wxJSONValue* value) {
-    const auto utf8 = text.utf8_str();
-    // A text that is no Unicode (half a surrogate pair) has no UTF-8: it then fails as an empty one does.
-    return ParseUtf8(std::string(utf8.data() == nullptr ? "" : utf8.data(), utf8.length()), value);
+    return ParseUtf8(wxJSONToUtf8(text), value);
 }
 
 int wxJSONReader::Parse(wxInputStream& stream, wxJSONValue* value) {

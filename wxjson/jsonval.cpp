@@ -6,6 +6,7 @@
 #include <limits>
 #include <unordered_map>
 
+#include "utf8text.h"
 #include "wx/jsonwriter.h"
 
 // The members in order of insertion. A large object gets an index, so that a hostile file can't make it slow.
@@ -54,10 +55,10 @@ const wxJSONValue& InvalidValue() {
 // A number as text, in an integer type or as a double; no other number types are asked for.
 template <class T>
 bool ParseWhole(const wxString& text, T& number) {
-    const auto utf8 = text.utf8_str();
-    const char* end = utf8.data() + utf8.length();
+    const std::string utf8 = wxJSONToUtf8(text);
+    const char* end = utf8.data() + utf8.size();
     const auto result = std::from_chars(utf8.data(), end, number);
-    return result.ec == std::errc() && result.ptr == end && utf8.length() > 0;
+    return result.ec == std::errc() && result.ptr == end && !utf8.empty();
 }
 
 template <class T>

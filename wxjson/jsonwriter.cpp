@@ -6,6 +6,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "utf8text.h"
+
 namespace {
 
 // Appends to one text; a value of the depth that a reader makes is written by recursion.
@@ -67,8 +69,7 @@ void Output::PutNumber(double number) {
 
 void Output::PutString(const wxString& text) {
     m_text += '"';
-    const auto utf8 = text.utf8_str();
-    for (std::size_t i = 0; i < utf8.length(); ++i) PutEscaped(static_cast<unsigned char>(utf8.data()[i]));
+    for (const char byte : wxJSONToUtf8(text)) PutEscaped(static_cast<unsigned char>(byte));
     m_text += '"';
 }
 
