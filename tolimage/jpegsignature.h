@@ -37,7 +37,7 @@ struct JpegsnoopSignature {
     char const* make;
     char const* model;
     char const* quality;
-    char const* signature;     // empty where only tables are known
+    char const* signature;     // where it isn't known how a program lays its tables out: of one table a segment
     char const* signatureRot;  // empty where only the digest is known
     char const* subsampling;
     char const* softwareVendor;

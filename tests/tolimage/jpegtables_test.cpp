@@ -94,11 +94,16 @@ TEST(JpegQuality, IjgTables_FollowTheFormula) {
 }
 
 TEST(JpegQuality, TablesOfTheIjgLibrary_AreNamedExactly) {
-    for (const int quality : {1, 2, 10, 49, 50, 51, 75, 90, 99, 100}) {
+    for (const int quality : {10, 49, 50, 51, 75, 90, 99, 100}) {
         const JpegInfo info = Read(support::EncodeJpeg(16, 16, quality));
         EXPECT_EQ((std::vector<int>{quality, quality, quality}), info.QualityEstimates);
         EXPECT_TRUE(info.IsStandardQuality);
     }
+}
+
+// All chrominance values are 255 up to quality 3 (18 * 1666 / 100 is 300): the higher of equally near ones is named.
+TEST(JpegQuality, TablesThatSeveralQualitiesShare_GetTheHighest) {
+    EXPECT_EQ((std::vector<int>{1, 1, 3}), Read(support::EncodeJpeg(16, 16, 1)).QualityEstimates);
 }
 
 TEST(JpegQuality, OtherTables_GetTheNearest) {
