@@ -87,13 +87,6 @@ VecVecString ReduceToStatus(VecVecString const& table) {
     return reduced;
 }
 
-VecString EscapeCells(VecString const& row) {
-    VecString escaped;
-    escaped.reserve(row.size());
-    for (wxString const& cell : row) escaped.push_back(EscapeHtmlString(cell));
-    return escaped;
-}
-
 }  // namespace
 
 wxString OrvTranslate(wxString const& text) {
@@ -167,7 +160,7 @@ void SaveImageInfoTableAsSsv(wxString const& path, VecVecString const& table) {
 
 void SaveImageInfoTableAsHtml(wxString const& path, VecVecString const& table, bool wholePage) {
     wxString rows;
-    for (VecString const& row : table) rows += HtmlWriter::DoTrRedExcl(EscapeCells(row));
+    for (VecString const& row : table) rows += HtmlWriter::DoTrRedExcl(row);
     wxString text;
     if (wholePage) text = HtmlWriter::DoHeader("style.css", "");
     text += HtmlWriter::DoTable(rows);
