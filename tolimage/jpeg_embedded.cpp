@@ -34,7 +34,7 @@ public:
             if (at >= region.Size()) return;
             const uint64_t length = Measure(region.From(at));
             if (length != 0) {
-                Add({region.Base() + at, region.Sub(at, length), {}});
+                Add({region.Base() + at, region.Sub(at, length), {}, false});
                 at += length;
             } else {
                 if (at == 0 && beginsPicture != nullptr) *beginsPicture = true;
@@ -46,7 +46,7 @@ public:
     // Takes the picture that begins with these bytes, if they hold it whole.
     void TakeJoined(uint64_t offset, std::string const& bytes) {
         const uint64_t length = Measure(ByteView(bytes.data(), bytes.size()));
-        if (length != 0 && !IsFull()) Add({offset, {}, bytes.substr(0, static_cast<size_t>(length))});
+        if (length != 0 && !IsFull()) Add({offset, {}, bytes.substr(0, static_cast<size_t>(length)), false});
     }
 
 private:
@@ -79,6 +79,28 @@ std::string JoinPayloads(std::vector<JpegSegment> const& segments, size_t first)
         bytes += segments[i].payload.ToString();
     }
     return bytes;
+}
+
+// The thumbnail's place that IFD1 of EXIF data tells (TIFF tag 0x0201), from the start of the file; 0 if it tells none.
+uint64_t ExifThumbnailOffset(JpegSegment const& segment) {
+    constexpr uint16_t kOffsetTag = 0x0201;
+    if (segment.code != JpegApp0 + 1 || !segment.payload.Matches(0, "Exif\0\0", 6)) return 0;
+    try {
+        const ByteView tiff = segment.payload.From(6);
+        const bool isBig = tiff.Matches(0, "MM", 2);
+        if (!isBig && !tiff.Matches(0, "II", 2)) return 0;
+        const uint64_t ifd0 = tiff.U32(4, isBig);
+        const uint64_t ifd1 = tiff.U32(ifd0 + 2 + 12U * tiff.U16(ifd0, isBig), isBig);
+        if (ifd1 == 0) return 0;
+        const unsigned count = tiff.U16(ifd1, isBig);
+        for (unsigned i = 0; i < count; ++i) {
+            const uint64_t entry = ifd1 + 2 + 12U * i;
+            if (tiff.U16(entry, isBig) == kOffsetTag) return tiff.Base() + tiff.U32(entry + 8, isBig);
+        }
+    } catch (ByteError const&) {
+        // Broken EXIF data name no thumbnail; whatever picture they hold is found all the same.
+    }
+    return 0;
 }
 
 }  // namespace
@@ -117,6 +139,12 @@ std::vector<EmbeddedJpeg> FindEmbeddedJpegs(ByteView file) {
         if (beginsPicture && goesOn) finder.TakeJoined(segments[i].payload.Base(), JoinPayloads(segments, i));
     }
     finder.Search(file.From(walker.Position()), nullptr);
+    for (JpegSegment const& holder : segments) {
+        const uint64_t place = ExifThumbnailOffset(holder);
+        for (EmbeddedJpeg& picture : finder.found) {
+            if (place != 0 && picture.offset == place) picture.isExifThumbnail = true;
+        }
+    }
     return std::move(finder.found);
 }
 

@@ -13,6 +13,7 @@ struct EmbeddedJpeg {
     uint64_t offset = 0;  // of its SOI in the file
     ByteView view;        // into the file; empty if `joined` holds it
     std::string joined;
+    bool isExifThumbnail = false;  // the one that the EXIF data name as their thumbnail
 
     ByteView Bytes() const { return joined.empty() ? view : ByteView(joined.data(), joined.size(), offset); }
 };

@@ -50,11 +50,9 @@ struct Sampling {
     int hMin = 0, hMax = 0, vMin = 0, vMax = 0;
 };
 
-// Over the first three components: a fourth (K) is sampled like the first.
 Sampling Extremes(JpegFrame const& frame) {
     Sampling s;
-    const size_t count = std::min<size_t>(3, frame.components.size());
-    for (size_t i = 0; i < count; ++i) {
+    for (size_t i = 0; i < frame.components.size(); ++i) {
         JpegComponent const& c = frame.components[i];
         s.hMin = i == 0 ? c.horizontal : std::min(s.hMin, c.horizontal);
         s.hMax = std::max(s.hMax, c.horizontal);
@@ -251,6 +249,8 @@ std::string JpegSubsamplingNotation(JpegFrame const& frame) {
 std::string JpegSubsamplingFactors(JpegFrame const& frame) {
     if (frame.components.empty()) return "";
     if (frame.components.size() == 1) return "Gray";
+    // Records tell the sampling of three components; a picture of four is never taken for one of them.
+    if (frame.components.size() != 3) return AllFactors(frame, '/');
     const Sampling s = Extremes(frame);
     // T.81 allows factors of 1 to 4.
     const bool isOdd = s.hMin == 0 || s.vMin == 0 || s.hMax > 4 || s.vMax > 4;

@@ -3,6 +3,7 @@
 
 #include <wx/filename.h>
 
+#include <algorithm>
 #include <mutex>
 
 #include "tolbase/exception.h"
@@ -42,7 +43,10 @@ void tcvSaveSubImages(wxString const& path, std::vector<Image>& images, std::vec
     infos.clear();
     std::string bytes;
     if (!ReadJpegFile(path, true, bytes)) return;
-    for (EmbeddedJpeg const& picture : FindEmbeddedJpegs(ByteView(bytes.data(), bytes.size()))) {
+    std::vector<EmbeddedJpeg> pictures = FindEmbeddedJpegs(ByteView(bytes.data(), bytes.size()));
+    // Makers put previews in front of it; what the EXIF data call the thumbnail is the first all the same.
+    std::stable_partition(pictures.begin(), pictures.end(), [](EmbeddedJpeg const& p) { return p.isExifThumbnail; });
+    for (EmbeddedJpeg const& picture : pictures) {
         const ByteView view = picture.Bytes();
         JpegInfo info;
         tcvJpegReadTablesFromMemory(view.Data(), view.Size(), info, 2, true, false);

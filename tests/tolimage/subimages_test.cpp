@@ -62,6 +62,12 @@ TEST_F(SubImages, ThumbnailPreviewAndTrailer_ComeInTheOrderOfTheFile) {
     EXPECT_EQ((std::vector<int>{16, 24, 32, 40}), Widths());
 }
 
+TEST_F(SubImages, ExifThumbnail_ComesFirstEvenBehindAPreview) {
+    const std::string exif = support::WithExif(EncodeJpeg(64, 48), "Acme Works", "Model X", EncodeJpeg(16, 16));
+    Save(With(JpegBuilder().App(2, EncodeJpeg(32, 24)).Build(), exif));
+    EXPECT_EQ((std::vector<int>{16, 32}), Widths());
+}
+
 TEST_F(SubImages, PictureWithinAnEmbeddedOne_IsItsOwn) {
     const std::string inner = With(JpegBuilder().App(1, EncodeJpeg(16, 16)).Build(), EncodeJpeg(32, 24));
     Save(EncodeJpeg(64, 48) + inner);
