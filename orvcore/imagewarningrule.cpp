@@ -184,12 +184,17 @@ void ImageWarningRule::TestAspectRatio(double ratio, std::vector<double> const& 
 }
 
 void ImageWarningRule::TestResolution(wxString const& make, wxString const& model, Resolution const& size) {
-    DpReviewInfo info;
-    Passed =
-        !Cameras.find(Narrow(make), Narrow(model), info) || info.getResolutions().empty() || info.hasResolution(size);
+    // An unknown camera stays one without sizes.
+    DpReviewInfo camera;
+    Cameras.find(Narrow(make), Narrow(model), camera);
+    TestResolution(camera, size);
+}
+
+void ImageWarningRule::TestResolution(DpReviewInfo const& camera, Resolution const& size) {
+    Passed = camera.getResolutions().empty() || camera.hasResolution(size);
     if (!Passed) {
         Value = ToString<int>(size.longSide) + " x " + ToString<int>(size.shortSide);
-        Reference = wxString::FromUTF8(info.getReferenceUrl());
+        Reference = wxString::FromUTF8(camera.getReferenceUrl());
         OperatorText = "is not listed at";
     }
     Evaluated = true;

@@ -59,6 +59,9 @@ public:
     // RuleKnownResolution: passes for an unknown camera and for one whose sizes are not known.
     void TestResolution(wxString const& make, wxString const& model, Resolution const& size);
 
+    // The same against one camera's sizes.
+    void TestResolution(DpReviewInfo const& camera, Resolution const& size);
+
     // RulePresent and RuleAbsent on a list of pictures.
     void TestPresence(std::vector<Image> const& images);
 

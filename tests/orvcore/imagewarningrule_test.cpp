@@ -206,6 +206,26 @@ TEST(ImageWarningRule, UnknownCamera_PassesTheResolution) {
     EXPECT_EQ(rule.OperatorText, "");
 }
 
+TEST(ImageWarningRule, SizeThatACameraDoesNotWrite_NamesTheList) {
+    const DpReviewInfo camera("Maker", "Model", {4000, 3000}, {{4000, 3000}, {2000, 1500}},
+                              "https://example.org/model");
+    ImageWarningRule rule(RuleKnownResolution, 1, "Unkown resolution for this device");
+    rule.TestResolution(camera, {2000, 1500});
+    EXPECT_TRUE(rule.Passed);
+    rule.TestResolution(camera, {3999, 3000});
+    EXPECT_FALSE(rule.Passed);
+    EXPECT_EQ(rule.Message(),
+              "Unkown resolution for this device (3999 x 3000 is not listed at https://example.org/model)");
+}
+
+TEST(ImageWarningRule, CameraWithoutAListOfSizes_Passes) {
+    const DpReviewInfo camera("Maker", "Model", {4000, 3000}, {}, "");
+    ImageWarningRule rule(RuleKnownResolution, 1, "Unkown resolution for this device");
+    rule.TestResolution(camera, {3999, 3000});
+    EXPECT_TRUE(rule.Passed);
+    EXPECT_TRUE(rule.Evaluated);
+}
+
 TEST(ImageWarningRule, Clear_KeepsTheOperatorText) {
     ImageWarningRule rule(RuleEqual, 1, "BPP");
     rule.Test(32, 24);

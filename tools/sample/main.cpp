@@ -34,7 +34,8 @@ constexpr char const* Help =
     "  --seed N       another landscape and noise, 0 to 4294967295 (1)\n"
     "  --help         this text\n"
     "\n"
-    "The same options give the same bytes.\n";
+    "No side may be more than twice as long as the other. The same options give the\n"
+    "same bytes.\n";
 
 struct Options {
     std::string folder;
@@ -80,6 +81,9 @@ Options ParseOptions(std::vector<std::string> const& arguments) {
         if (name == "--seed") options.seed = ParseNumber<uint32_t>(name, value, 0, UINT32_MAX);
     }
     if (options.folder.empty()) throw UsageError("--out FOLDER is missing");
+    if (options.width > 2 * options.height || options.height > 2 * options.width) {
+        throw UsageError("one side is more than twice as long as the other");
+    }
     return options;
 }
 

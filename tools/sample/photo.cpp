@@ -139,6 +139,7 @@ Box Paste(Picture& picture, Picture const& part, Cutout const& object, int left,
             bottom = std::max(bottom, top + y + 1);
         }
     }
+    if (right == 0) throw std::runtime_error("the object to paste lies outside the picture");
     changed.width = right - changed.x;
     changed.height = bottom - changed.y;
     return changed;
