@@ -176,19 +176,21 @@ void Figure::DrawAxes(_IplImage* picture) const {
 void Figure::DrawAxisTexts(_IplImage* picture, CvPoint crossing, float yReference) const {
     CvFont const font = Font(0.7);
     auto const widthOf = [](std::string const& text) { return LetterWidth * static_cast<int>(text.size()); };
+    // A long number is moved back into the picture: with its first digits cut off it would tell another value.
+    auto const leftOf = [&](std::string const& text) { return std::max(0, crossing.x - widthOf(text)); };
     auto const write = [&](std::string const& text, int x, int y) { Write(picture, text, x, y, font, m_textColour); };
     float const span = m_scale.yMaximum - m_scale.yMinimum;
     if (0.05 * span < m_scale.yMaximum - yReference) {
         std::string const text = plot::Fixed(m_scale.yMaximum, 1);
-        write(text, crossing.x - widthOf(text), m_border);
-        write("Y", crossing.x - widthOf(text), m_border - 15);
+        write(text, leftOf(text), m_border);
+        write("Y", leftOf(text), m_border - 15);
     }
     if (0.05 * span < yReference - m_scale.yMinimum) {
         std::string const text = plot::Fixed(m_scale.yMinimum, 1);
-        write(text, crossing.x - widthOf(text), m_size.height - m_border + 10);
+        write(text, leftOf(text), m_size.height - m_border + 10);
     }
     std::string const reference = plot::Fixed(yReference, 1);
-    write(reference, crossing.x - widthOf(reference), crossing.y - 10);
+    write(reference, leftOf(reference), crossing.y - 10);
     write("0", crossing.x, crossing.y + 10);
     std::string const last = plot::Fixed(m_scale.xMaximum, 0);
     int const right = m_size.width - m_border;

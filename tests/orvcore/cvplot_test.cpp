@@ -201,6 +201,17 @@ TEST(PlotFigure, GreatestValues_AreDrawn) {
     EXPECT_NO_THROW(Drawn({Points({0, most}, {0, most})}, true));
 }
 
+TEST(PlotFigure, LongNumber_KeepsItsFirstDigit) {
+    // Both curves look alike: only the number at the Y axis tells them apart.
+    Image first = Drawn({Points({0, 10}, {0, 1234567})});
+    Image second = Drawn({Points({0, 10}, {0, 2234567})});
+    int different = 0;
+    for (int y = 0; y < 60; ++y) {
+        for (int x = 0; x < 90; ++x) different += At(first, x, y) != At(second, x, y) ? 1 : 0;
+    }
+    EXPECT_GT(different, 0);
+}
+
 TEST(PlotFigure, AutomaticColours_StartAgainAfterTen) {
     Figure figure("figure", cvSize(600, 200));
     Series series = Points({1}, {1});

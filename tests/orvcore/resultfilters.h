@@ -36,7 +36,7 @@ public:
     void OnlyForJpeg() { this->m_onlyForJpeg = true; }
     void Load(OrvFileId id, bool& result) { result = this->LoadCache(id); }
     void Save(OrvFileId id) const { this->SaveCache(id); }
-    void ResetSlot(OrvFileId id) { static_cast<Base*>(this)->Base::Reset(id); }
+    void ResetSlot(OrvFileId id) { this->Base::Reset(id); }
 
     int applied = 0;
     std::function<void(OrvFileId)> onApply;
