@@ -96,7 +96,7 @@ void Plants::PaintConifer(Frame& frame, Conifer const& tree, int begin, int end)
     const int left = std::max(0, static_cast<int>(centre - reach * scale * 1.35F));
     const int right = std::min(frame.width, static_cast<int>(centre + reach * scale * 1.35F) + 1);
     const float tone = 0.7F + 0.6F * Unit(static_cast<int32_t>(tree.seed & 0xFFFFU), 1, tree.seed);
-    const float detail = tree.foot.z < 400 ? 1.0F : 0.35F;
+    const float detail = tree.foot.z < 400 ? 2.3F : 0.35F;
     const int octaves = tree.foot.z < 400 ? 5 : 2;
     for (int row = firstRow; row < lastRow; ++row) {
         const float y = (bottom - static_cast<float>(row)) / scale;

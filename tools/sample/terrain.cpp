@@ -127,7 +127,7 @@ Colour Terrain::MountainAlbedo(Point at, Point normal) const {
     const float grain = Fractal(at.x / 60, at.z / 60, 3, m_seed + 100);
     const Colour rock = Blend({0.19F, 0.175F, 0.16F}, {0.29F, 0.27F, 0.245F}, Clamp01(0.5F + grain)) *
                         (1 + 0.26F * Noise(at.x / 110 + at.y / 160, at.y / 75 + at.z / 300, m_seed + 110) +
-                         0.45F * Fractal(at.x / 260, at.y / 190, 4, m_seed + 112));
+                         0.50F * Fractal(at.x / 190, at.y / 120, 5, m_seed + 112));
     const float leafy = Clamp01(0.5F + 1.2F * Fractal(at.x / 14, at.z / 14, 2, m_seed + 120));
     const Colour forest = Blend({0.016F, 0.034F, 0.014F}, {0.060F, 0.085F, 0.030F}, leafy);
     const Colour meadow = Blend({0.085F, 0.125F, 0.035F}, {0.14F, 0.15F, 0.055F}, Clamp01(0.5F + grain));
