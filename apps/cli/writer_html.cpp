@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // One page with a table for each file.
+#include "apps/cli/recordlines.h"
 #include "apps/cli/recordwriter.h"
 #include "apps/cli/text.h"
 #include "tolbase/htmlwriter.h"
@@ -20,8 +21,8 @@ public:
         Put(HtmlWriter::DoH(1, EscapeHtmlString(FromUtf8(heading)), wxString()));
         Put(HtmlWriter::DoP(EscapeHtmlString(FromUtf8("SHA256 " + record.sha256))));
         wxString rows;
-        for (RecordRow const& row : record.rows) {
-            rows += HtmlWriter::DoTrRedExcl({FromUtf8(row.title), FromUtf8(row.value), FromUtf8(row.warnings)});
+        for (RecordLine const& line : LinesOf(record)) {
+            rows += HtmlWriter::DoTrRedExcl({FromUtf8(line.title), FromUtf8(line.value), FromUtf8(line.warning)});
         }
         Put(HtmlWriter::DoTable(rows));
         m_output.Flush();

@@ -2,6 +2,7 @@
 // Aligned text for a person: one line a row, further warnings of a row on lines beneath.
 #include <algorithm>
 
+#include "apps/cli/recordlines.h"
 #include "apps/cli/recordwriter.h"
 #include "apps/cli/text.h"
 #include "orvcore/tablewriter.h"
@@ -15,17 +16,6 @@ constexpr char const* Yellow = "\x1b[33m";
 constexpr char const* Bold = "\x1b[1m";
 constexpr char const* Plain = "\x1b[0m";
 
-std::vector<std::string> Lines(std::string const& text) {
-    std::vector<std::string> lines;
-    size_t start = 0;
-    for (size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', start)) {
-        lines.push_back(text.substr(start, end - start));
-        start = end + 1;
-    }
-    lines.push_back(text.substr(start));
-    return lines;
-}
-
 std::string Trimmed(std::string line) {
     line.erase(line.find_last_not_of(' ') + 1);
     return line;
@@ -37,27 +27,24 @@ wxString Cell(std::string const& text) {
 }
 
 // A value longer than this and without a warning beside it does not push the warnings of all other rows aside.
-constexpr size_t WidestValue = 44;
+constexpr size_t WidestValue = 36;
 
 struct Layout {
     VecVecString table;
     std::vector<std::string> longValues;
-    // For each row of the table: what its last cell is, and how severe.
-    std::vector<std::string> warnings;
-    std::vector<char> markers;
+    std::vector<std::string> warnings;  // for each row of the table, its last cell
 
-    void Add(std::string const& title, std::string const& value, std::string const& warning, char marker) {
-        const bool isLong = warning.empty() && CountCharacters(Printable(value)) > WidestValue;
-        table.push_back({Cell(title), Cell(isLong ? "" : value), Cell(warning)});
-        longValues.push_back(isLong ? Printable(value) : "");
-        warnings.push_back(Printable(warning));
-        markers.push_back(marker);
-        titleWidth = std::max(titleWidth, CountCharacters(Printable(title)));
+    void Add(RecordLine const& line) {
+        const bool isLong = line.warning.empty() && CountCharacters(Printable(line.value)) > WidestValue;
+        table.push_back({Cell(line.title), Cell(isLong ? "" : line.value), Cell(line.warning)});
+        longValues.push_back(isLong ? Printable(line.value) : "");
+        warnings.push_back(Printable(line.warning));
+        titleWidth = std::max(titleWidth, CountCharacters(Printable(line.title)));
     }
 
     // The engine's layout, with the long values put in.
     std::vector<std::string> Format() const {
-        std::vector<std::string> lines = Lines(ToUtf8(FormatTable(table)));
+        std::vector<std::string> lines = SplitLines(ToUtf8(FormatTable(table)));
         lines.resize(table.size());
         for (size_t i = 0; i < lines.size(); ++i) {
             if (!longValues[i].empty()) {
@@ -73,27 +60,6 @@ struct Layout {
     size_t titleWidth = 0;
 };
 
-// The engine's cell has one marker, that of its worst line. Here each line shows its own.
-char MarkerOf(Record const& record, RecordRow const& row, std::string const& message, char marker) {
-    for (RecordRule const& rule : record.rules) {
-        if (rule.row == row.key && rule.message == message) return rule.hard ? '!' : '?';
-    }
-    return marker;
-}
-
-void AddRow(Layout& layout, Record const& record, RecordRow const& row) {
-    const bool warned = !row.warnings.empty();
-    const std::vector<std::string> messages = warned ? Lines(row.warnings.substr(1)) : std::vector<std::string>();
-    const std::vector<std::string> values = row.isList ? row.items : std::vector<std::string>{row.value};
-    const size_t count = std::max({messages.size(), values.size(), size_t{1}});
-    for (size_t i = 0; i < count; ++i) {
-        const bool has = i < messages.size();
-        const char marker = has ? MarkerOf(record, row, messages[i], row.warnings[0]) : '\0';
-        layout.Add(i == 0 ? row.title : "", i < values.size() ? values[i] : "", has ? marker + messages[i] : "",
-                   marker);
-    }
-}
-
 class TextWriter : public RecordWriter {
 public:
     TextWriter(Output& output, RecordStyle const& style) : m_output(output), m_style(style) {}
@@ -103,7 +69,7 @@ public:
         m_first = false;
         if (m_style.many || record.slot == "reference") Heading(record);
         Layout layout;
-        for (RecordRow const& row : record.rows) AddRow(layout, record, row);
+        for (RecordLine const& line : LinesOf(record)) layout.Add(line);
         Print(layout);
         if (m_style.warnings) Counts(record);
         m_output.Flush();
@@ -124,7 +90,7 @@ private:
             std::string& line = lines[i];
             std::string const& warning = layout.warnings[i];
             if (m_style.colour && !warning.empty() && line.size() >= warning.size()) {
-                line.insert(line.size() - Trimmed(warning).size(), layout.markers[i] == '!' ? Red : Yellow);
+                line.insert(line.size() - Trimmed(warning).size(), warning[0] == '!' ? Red : Yellow);
                 line += Plain;
             }
             m_output.Write(line + "\n");

@@ -116,7 +116,7 @@ TEST_F(General, NameLikeAnOption_IsTakenBehindTwoDashes) {
 }
 
 TEST_F(General, NamesThatMeanSomethingElsewhere_AreFiles) {
-    for (std::string const name : {"[1]", "[a,b]", "{}", "++", "info", "%%", "a;b $(id) 'c' \"d\".jpg", " ", "@x"}) {
+    for (std::string const name : {"[1]", "[a,b]", "{}", "++", "info", "%%", "a;b $(id) 'c' \"d\".jpg", " x", "@x"}) {
         Photo(name);
         Surroundings surroundings;
         surroundings.folder = Path("");
@@ -134,7 +134,7 @@ TEST_F(General, NameWithLineBreak_AddsNoLine) {
     const Ended ended = Orvelle({"info", photo});
     EXPECT_EQ(0, ended.status);
     EXPECT_TRUE(Contains(ended.out, "a\\nFormat  PNG\\x1b[2J.jpg")) << ended.out;
-    EXPECT_EQ(1u, CountOf(ended.out, "\nFormat "));
+    EXPECT_EQ(1u, CountOf(ended.out, "\nFormat  "));
 }
 
 TEST_F(General, NameNotInUtf8_IsExamined) {

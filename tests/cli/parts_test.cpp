@@ -4,6 +4,7 @@
 
 #include "apps/cli/exitcodes.h"
 #include "apps/cli/infokeys.h"
+#include "apps/cli/recordlines.h"
 #include "apps/cli/recordwriter.h"
 #include "apps/cli/separated.h"
 #include "apps/cli/text.h"
@@ -74,4 +75,20 @@ TEST(SignatureLine, HasTheShapeThatIsRead) {
     EXPECT_EQ("", ReasonAgainst(record));
     record.editorClass = "3";
     EXPECT_EQ("the class is neither camera nor software", ReasonAgainst(record));
+}
+
+TEST(RecordLines, EachWarning_HasALineAndAMarkerOfItsOwn) {
+    Record record;
+    RecordRow row;
+    row.key = "size";
+    row.title = "Size";
+    row.value = "3x3";
+    row.warnings = "!Low\nOdd";
+    record.rows = {row};
+    record.rules = {{"low", "size", "Low", false, RuleStatus::Failed},
+                    {"odd", "size", "Odd", true, RuleStatus::Failed}};
+    const std::vector<RecordLine> lines = LinesOf(record);
+    ASSERT_EQ(2u, lines.size());
+    EXPECT_EQ("Size|3x3|?Low", lines[0].title + "|" + lines[0].value + "|" + lines[0].warning);
+    EXPECT_EQ("||!Odd", lines[1].title + "|" + lines[1].value + "|" + lines[1].warning);
 }
