@@ -246,7 +246,6 @@ private:
     // All that a slot holds.
     struct FileSlot;
 
-    void EmptySlot(OrvFileId id);
     void ReadDetails(wxString const& path, OrvFileId id);
     void TakeSubImages(wxString const& path, OrvFileId id);
     wxString MakeFileInfo(OrvFileId id) const;

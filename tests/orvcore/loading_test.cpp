@@ -11,6 +11,7 @@
 #include "tolbase/hash.h"
 #include "tolbase/limits.h"
 #include "tolbase/progress.h"
+#include "tolimage/exiftool.h"
 #include "tolimage/imageio.h"
 
 using support::EncodeJpeg;
@@ -118,6 +119,28 @@ TEST_F(Loading, Png_HasNeitherQualityNorRecords) {
     EXPECT_EQ("Size: 30x20, PNG", Info());
     EXPECT_FALSE(context->GetImageJpegInfo(Evidence).IsValid);
     EXPECT_FALSE(context->GetThumbnailJpegInfo(Evidence).IsValid);
+}
+
+TEST_F(Loading, PngWithAThumbnail_ShowsItAndHasNoRecordOfIt) {
+    wxString const path = Png("a.png");
+    std::string const plain = support::ReadBytes(path);
+    WriteBytes(path, support::WithPngExif(plain, support::ExifBlock("Acme", "Model", EncodeJpeg(16, 12))));
+    Load(path);
+    EXPECT_EQ(16, context->GetImageThumbnail(Evidence).Width());
+    EXPECT_EQ(12, context->GetImageThumbnail(Evidence).Height());
+    EXPECT_FALSE(context->GetThumbnailJpegInfo(Evidence).IsValid);
+    EXPECT_FALSE(context->GetImagePreview(Evidence).IsOk());
+    EXPECT_TRUE(Info().EndsWith(", Camera: Acme Model")) << Info().utf8_string();
+}
+
+TEST_F(Loading, ExifToolThatIsMissing_LeavesTheSlotEmpty) {
+    Load(Jpeg("a.jpg"));
+    ExifToolSetProgram(dir / "no-such-program");
+    wxString const failure = FailureOf(Jpeg("b.jpg", 32, 32));
+    ExifToolSetProgram(wxString());
+    EXPECT_EQ("82 ExifTool is not installed.", failure);
+    EXPECT_FALSE(context->GetImage(Evidence).IsOk());
+    EXPECT_EQ("", context->GetFilename(Evidence) + context->GetOutputBasePath(Evidence));
 }
 
 TEST_F(Loading, JpegUnderAnotherName_IsTakenByItsContent) {

@@ -325,6 +325,19 @@ TEST_F(Options, FilterNameWithADash_IsDroppedOnSaving) {
     EXPECT_TRUE(context->ConvertToUntranslatedConfigurations({"Two-Part"}).empty());
 }
 
+TEST_F(Options, SavedList_MarksADisabledConfiguration) {
+    PlainFilter* const modes = Modes();
+    modes->EnableConfiguration(1, false);
+    StartOptions();
+    VecString const saved = context->GetConfigurationsFromFilters(false);
+    ASSERT_TRUE(saved[1].StartsWith("!Modes-"));
+    context->SaveProgramOptions(dir / "o.ovs");
+    wxJSONValue root = JsonFromFile(dir / "o.ovs");
+    wxJSONValue list = root["General Settings"]["Default Configurations"];
+    EXPECT_EQ((VecString{"Modes-Gray", "!Modes-Colour"}), Configurations());
+    EXPECT_EQ(saved, FromJson<VecString>(list));
+}
+
 TEST_F(Options, SavedList_LosesAnEntryWhoseFilterIsNotFound) {
     Modes();
     Plain("Two-Part", 5);

@@ -69,10 +69,9 @@ private:
     std::string m_bytes;
 };
 
-// The stream with an EXIF segment behind its SOI marker: make and model, and the thumbnail if it isn't empty. Texts are
-// longer than three bytes, so that each stands at an offset.
-inline std::string WithExif(std::string const& jpeg, std::string const& make, std::string const& model,
-                            std::string const& thumbnail = std::string()) {
+// A TIFF structure with make and model, and the thumbnail if it isn't empty. Texts are longer than three bytes, so that
+// each stands at an offset.
+inline std::string ExifBlock(std::string const& make, std::string const& model, std::string const& thumbnail) {
     std::size_t const ifd0 = 8, ifd0Size = 2 + 2 * 12 + 4, ifd1Size = 2 + 3 * 12 + 4;
     std::size_t const texts = ifd0 + ifd0Size + ifd1Size;
     std::string const first = make + std::string(1, '\0'), second = model + std::string(1, '\0');
@@ -89,10 +88,39 @@ inline std::string WithExif(std::string const& jpeg, std::string const& make, st
     tiff.Entry(0x0202, 4, 1, thumbnail.size());
     tiff.Long(0);
     tiff.Raw(first + second + thumbnail);
-    std::string const payload = std::string("Exif\0\0", 6) + tiff.Bytes();
+    return tiff.Bytes();
+}
+
+// The JPEG stream with an EXIF segment behind its SOI marker.
+inline std::string WithExif(std::string const& jpeg, std::string const& make, std::string const& model,
+                            std::string const& thumbnail = std::string()) {
+    std::string const payload = std::string("Exif\0\0", 6) + ExifBlock(make, model, thumbnail);
     std::size_t const length = payload.size() + 2;
     std::string const head = {'\xFF', '\xE1', static_cast<char>(length >> 8), static_cast<char>(length & 0xff)};
     return jpeg.substr(0, 2) + head + payload + jpeg.substr(2);
+}
+
+// Four bytes, the highest first.
+inline std::string BigEndian(std::uint32_t value) {
+    std::string bytes;
+    for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift);
+    return bytes;
+}
+
+// A PNG chunk with its length and its check sum.
+inline std::string PngChunk(std::string const& typeAndData) {
+    std::uint32_t crc = 0xFFFFFFFF;
+    for (char const c : typeAndData) {
+        crc ^= static_cast<unsigned char>(c);
+        for (int bit = 0; bit < 8; ++bit) crc = (crc >> 1) ^ ((crc & 1) != 0 ? 0xEDB88320u : 0u);
+    }
+    return BigEndian(static_cast<std::uint32_t>(typeAndData.size() - 4)) + typeAndData + BigEndian(~crc);
+}
+
+// The PNG stream with an EXIF chunk behind its header, whose length is fixed.
+inline std::string WithPngExif(std::string const& png, std::string const& exifBlock) {
+    std::size_t const headerEnd = 8 + 25;
+    return png.substr(0, headerEnd) + PngChunk("eXIf" + exifBlock) + png.substr(headerEnd);
 }
 
 }  // namespace support
