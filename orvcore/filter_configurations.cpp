@@ -118,7 +118,8 @@ void OrvFilter::AddCombinations(size_t level, const std::vector<size_t>& counts)
 
 void OrvFilter::CalculateConfigurationsDefault() {
     if (m_parametersInput.size() > maxSpanningParameters) {
-        wxFAIL_COND_MSG("vpsize < 4", "The first four parameters span the configurations of " + m_name);
+        // The condition is a text for the report, not an expression.
+        wxFAIL_COND_MSG(vpsize < 4, "The first four parameters span the configurations of " + m_name);
     }
     std::vector<size_t> counts;
     for (size_t i = 0; i < maxSpanningParameters; ++i) counts.push_back(CountDefaultValues(i));
