@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "orvcore/tablewriter.h"
 
-#include <wx/translation.h>
 
 #include <algorithm>
 #include <cmath>
@@ -88,13 +87,6 @@ VecVecString ReduceToStatus(VecVecString const& table) {
 }
 
 }  // namespace
-
-wxString OrvTranslate(wxString const& text) {
-    wxTranslations const* translations = wxTranslations::Get();
-    if (translations == nullptr || text.empty()) return text;
-    wxString const* translated = translations->GetTranslatedString(text);
-    return translated != nullptr ? *translated : text;
-}
 
 wxString FormatTable(VecVecString const& table) {
     const std::vector<int> widths = ColumnWidths(table);

@@ -10,11 +10,9 @@
 
 #include <cstdint>
 
+#include "orvcore/translate.h"
 #include "tolbase/export.h"
 #include "tolbase/types.h"
-
-// The text in the current language by wxWidgets' global translations; the text itself where there is none.
-ORV_API wxString OrvTranslate(wxString const& text);
 
 // The table as lines of padded columns, each cell followed by a blank and each row by a line break. A cell that holds
 // a line break stands on lines of its own and takes no part in the widths. A column is aligned to the right if its
