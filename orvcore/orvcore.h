@@ -15,6 +15,8 @@
 #include "orvcore/imagewarningrule.h"
 #include "orvcore/infotable.h"
 #include "orvcore/interface.h"
+#include "orvcore/jpegdimplestable.h"
+#include "orvcore/jpeginfotable.h"
 #include "orvcore/logger.h"
 #include "orvcore/messagequeue.h"
 #include "orvcore/plotdata.h"
