@@ -2,13 +2,16 @@
 #include "tolimage/codec.h"
 
 #include "tolbase/limits.h"
+#include "tolimage/codec_bmp.h"
+#include "tolimage/codec_gif.h"
 #include "tolimage/codec_heif.h"
 #include "tolimage/codec_jpeg.h"
 #include "tolimage/codec_png.h"
+#include "tolimage/codec_pnm.h"
 #include "tolimage/codec_raw.h"
+#include "tolimage/codec_tga.h"
 #include "tolimage/codec_tiff.h"
 #include "tolimage/codec_webp.h"
-#include "tolimage/codec_wx.h"
 
 namespace codec {
 namespace {
@@ -148,12 +151,16 @@ Image Decode(ByteView file) {
             return DecodeHeif(file);
         case Format::Raw:
             return DecodeRaw(file);
-        case Format::Bmp:
-        case Format::Gif:
         case Format::Pnm:
+            return DecodePnm(file);
+        case Format::Bmp:
+            return DecodeBmp(file);
+        case Format::Gif:
+            return DecodeGif(file);
         case Format::Ico:
+            return DecodeIco(file);
         case Format::Tga:
-            return DecodeByWx(format, file);
+            return DecodeTga(file);
         case Format::Jpeg2000:
         case Format::JpegXl:
         case Format::Photoshop:
@@ -166,37 +173,47 @@ Image Decode(ByteView file) {
     throw DecodeError(ByteErrorKind::Unsupported, "the content is no picture of a known format");
 }
 
+namespace {
+
+void ProbeFormat(Format format, ByteView file, ImageProbe& probe) {
+    switch (format) {
+        case Format::Jpeg:
+            return ProbeJpeg(file, probe);
+        case Format::Png:
+            return ProbePng(file, probe);
+        case Format::Tiff:
+            return ProbeTiff(file, probe);
+        case Format::WebP:
+            return ProbeWebP(file, probe);
+        case Format::Heif:
+            return ProbeHeif(file, probe);
+        case Format::Raw:
+            return ProbeRaw(file, probe);
+        case Format::Bmp:
+            return ProbeBmp(file, probe);
+        case Format::Gif:
+            return ProbeGif(file, probe);
+        case Format::Pnm:
+            return ReadPnmHead(file, probe);
+        case Format::Ico:
+            return ProbeIco(file, probe);
+        case Format::Tga:
+            return ProbeTga(file, probe);
+        default:
+            return;
+    }
+}
+
+}  // namespace
+
 ImageProbe Probe(ByteView file) {
     ImageProbe probe;
     const Format format = Sniff(file);
-    switch (format) {
-        case Format::Jpeg:
-            ProbeJpeg(file, probe);
-            break;
-        case Format::Png:
-            ProbePng(file, probe);
-            break;
-        case Format::Tiff:
-            ProbeTiff(file, probe);
-            break;
-        case Format::WebP:
-            ProbeWebP(file, probe);
-            break;
-        case Format::Heif:
-            ProbeHeif(file, probe);
-            break;
-        case Format::Raw:
-            ProbeRaw(file, probe);
-            break;
-        case Format::Bmp:
-        case Format::Gif:
-        case Format::Pnm:
-        case Format::Ico:
-        case Format::Tga:
-            ProbeByWx(format, file, probe);
-            break;
-        default:
-            break;
+    try {
+        ProbeFormat(format, file, probe);
+    } catch (std::runtime_error const&) {
+        // A head that makes no sense tells no size.
+        probe = ImageProbe();
     }
     probe.format = FormatName(format, file);
     probe.ok = probe.width > 0 && probe.height > 0;

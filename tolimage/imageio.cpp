@@ -16,13 +16,13 @@
 #include "tolbase/file.h"
 #include "tolbase/limits.h"
 #include "tolimage/codec.h"
+#include "tolimage/codec_bmp.h"
 #include "tolimage/codec_heif.h"
 #include "tolimage/codec_jpeg.h"
 #include "tolimage/codec_png.h"
 #include "tolimage/codec_raw.h"
 #include "tolimage/codec_tiff.h"
 #include "tolimage/codec_webp.h"
-#include "tolimage/codec_wx.h"
 #include "tolimage/exiftool.h"
 
 namespace {
