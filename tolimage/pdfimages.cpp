@@ -53,11 +53,33 @@ std::vector<std::string> Filters(QPDFObjectHandle dictionary) {
     return names;
 }
 
-// The stream's bytes up to the limit, with its last `kept` kind of coding left as it is.
+// The stream's bytes, decoded up to that level. Throws where that is not possible in full.
 std::string StreamBytes(QPDFObjectHandle stream, qpdf_stream_decode_level_e level) {
     PdfBytes bytes(GetTolLimit(TolLimit::EmbeddedImageBytes));
-    stream.pipeStreamData(&bytes, 0, level, true, false);
-    return bytes.Take();
+    bool filtered = false;
+    const bool whole = stream.pipeStreamData(&bytes, &filtered, 0, level, true, false);
+    std::string result = bytes.Take();
+    if (!whole || (level != qpdf_dl_none && !filtered)) throw std::runtime_error("a stream that can't be decoded");
+    return result;
+}
+
+// All but the last item of an array.
+QPDFObjectHandle WithoutLast(QPDFObjectHandle array) {
+    QPDFObjectHandle shorter = QPDFObjectHandle::newArray();
+    for (int i = 0; array.isArray() && i + 1 < array.getArrayNItems(); ++i) shorter.appendItem(array.getArrayItem(i));
+    return shorter;
+}
+
+// A picture's own coded form. Codings that are wrapped around it are taken off, on a stream of their own since qpdf
+// decodes all of a stream's codings or none.
+std::string CodedPicture(QPDF& document, QPDFObjectHandle stream, size_t filters) {
+    std::string bytes = StreamBytes(stream, qpdf_dl_none);
+    if (filters < 2) return bytes;
+    QPDFObjectHandle wrapping = QPDFObjectHandle::newStream(&document, bytes);
+    wrapping.getDict().replaceKey("/Filter", WithoutLast(stream.getDict().getKey("/Filter")));
+    QPDFObjectHandle parameters = stream.getDict().getKey("/DecodeParms");
+    if (parameters.isArray()) wrapping.getDict().replaceKey("/DecodeParms", WithoutLast(parameters));
+    return StreamBytes(wrapping, qpdf_dl_generalized);
 }
 
 // Number of channels of a colour space that PNG can hold, with the table of an indexed one; 0 for any other.
@@ -124,7 +146,7 @@ Found FromLossless(QPDFObjectHandle stream, int width, int height) {
     return found;
 }
 
-Found Extract(QPDFObjectHandle stream, int minimumSide) {
+Found Extract(QPDF& document, QPDFObjectHandle stream, int minimumSide) {
     QPDFObjectHandle dictionary = stream.getDict();
     const int width = Whole(dictionary, "/Width");
     const int height = Whole(dictionary, "/Height");
@@ -133,8 +155,7 @@ Found Extract(QPDFObjectHandle stream, int minimumSide) {
     const std::vector<std::string> filters = Filters(dictionary);
     const std::string last = filters.empty() ? std::string() : filters.back();
     if (last == "/DCTDecode" || last == "/DCT" || last == "/JPXDecode") {
-        // Generalised decoding takes off what is wrapped around the picture and leaves the picture.
-        found.bytes = StreamBytes(stream, filters.size() > 1 ? qpdf_dl_generalized : qpdf_dl_none);
+        found.bytes = CodedPicture(document, stream, filters.size());
         found.extension = last == "/JPXDecode" ? "jp2" : "jpg";
         return found;
     }
@@ -182,7 +203,7 @@ private:
     Found Look(QPDFObjectHandle& object) const {
         try {
             if (!object.isStream() || !object.getDict().getKey("/Subtype").isNameAndEquals("/Image")) return Found();
-            return Extract(object, m_minimumSide);
+            return Extract(m_document, object, m_minimumSide);
         } catch (TolException const&) {
             return Found();
         } catch (std::exception const&) {

@@ -75,8 +75,8 @@ TEST(ExifToolAnswer, BrokenAnswers_Throw) {
 }
 
 TEST(ExifToolAnswer, DeepNesting_IsRefused) {
-    std::string value = "1";
-    for (int i = 0; i < 100000; ++i) value = "Array(" + value;
+    std::string value;
+    for (int i = 0; i < 100000; ++i) value += "Array(";
     EXPECT_THROW(ParseExifToolAnswer("Array(Array(\n \"A:T\" => " + value), TolLimitError);
 }
 
