@@ -18,7 +18,7 @@ volatile std::sig_atomic_t g_hasFile = 0;
 
 void OnSignal(int number) {
     if (g_signal != 0) {
-        if (g_hasFile != 0) unlink(g_fileToRemove.data());
+        RemoveFileToRemove();
         _exit(g_signal == SIGINT ? ExitInterrupted : ExitTerminated);
     }
     g_signal = number;
@@ -55,6 +55,10 @@ void SetFileToRemove(std::string const& path) {
     if (path.empty() || path.size() >= g_fileToRemove.size()) return;
     std::memcpy(g_fileToRemove.data(), path.c_str(), path.size() + 1);
     g_hasFile = 1;
+}
+
+void RemoveFileToRemove() {
+    if (g_hasFile != 0) unlink(g_fileToRemove.data());
 }
 
 }  // namespace cli

@@ -19,5 +19,7 @@ ExitCode InterruptionCode();
 
 // A file to be removed should a second signal end the process on the spot; an empty path: none.
 void SetFileToRemove(std::string const& path);
+// Removes it now, for an end without destructors.
+void RemoveFileToRemove();
 
 }  // namespace cli

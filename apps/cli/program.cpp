@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/cli/program.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <map>
@@ -92,6 +95,15 @@ std::string OneLine(std::string text) {
     return text;
 }
 
+// A file that is opened later must not become standard output because that was closed: what is written to a standard
+// descriptor that isn't there fails.
+void OccupyStandardDescriptors() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The lowest free number is taken.
+        if (fcntl(descriptor, F_GETFD) < 0) static_cast<void>(open("/dev/null", O_RDONLY));
+    }
+}
+
 ExitCode Parse(Arguments& arguments, Terminal& terminal, int argc, char const* const* argv, bool& goOn) {
     goOn = false;
     try {
@@ -124,6 +136,7 @@ ExitCode Work(Environment& environment, int argc, char const* const* argv) {
 }  // namespace
 
 int RunProgram(int argc, char const* const* argv) {
+    OccupyStandardDescriptors();
     InstallSignalHandlers();
     Environment environment;
     try {

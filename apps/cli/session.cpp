@@ -106,6 +106,7 @@ Session::~Session() {
     if (m_busy) {
         ExifToolShutdown();
         m_environment.terminal.ClearProgress();
+        RemoveFileToRemove();
         _exit(InterruptionCode());
     }
     m_interface.reset();

@@ -174,6 +174,18 @@ TEST_F(General, FullDisk_EndsWithFive) {
     EXPECT_EQ("orvelle: standard output: can't be written: No space left on device\n", ended.err);
 }
 
+TEST_F(General, ClosedOutput_EndsWithFiveAndWritesNowhereElse) {
+    const std::string photo = Photo("a.jpg");
+    const std::string before = ReadFile(photo);
+    Surroundings surroundings;
+    surroundings.closeOutput = true;
+    const Ended ended = Orvelle({"info", photo}, surroundings);
+    EXPECT_EQ(5, ended.status);
+    EXPECT_EQ("orvelle: standard output: can't be written: Bad file descriptor\n", ended.err);
+    EXPECT_EQ(before, ReadFile(photo));
+    EXPECT_FALSE(Contains(ReadFile(Documents() + "/logs/current.txt"), "Acme Optics"));
+}
+
 // Many files, so that the signal comes in their midst; what is written by then is whole.
 void Interrupt(int signal, int status, std::vector<std::string> arguments, std::string const& photo) {
     for (int i = 0; i < 3000; ++i) arguments.push_back(photo);

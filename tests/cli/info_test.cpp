@@ -77,8 +77,10 @@ TEST_F(Info, OddSizes_WarnBesideTheirRow) {
     const std::string photo = Photo("a folder whose name is longer than a column/a.jpg", 1001, 751);
     const std::string out = Orvelle({"info", photo}).out;
     const std::vector<std::string> lines = Lines(out);
-    EXPECT_EQ("Image Encoded Size          1001x751                         !Odd width (1001 is not multiple of 4)", lines.at(4));
-    EXPECT_EQ("                                                             !Odd height (751 is not multiple of 4)", lines.at(5));
+    EXPECT_EQ("Image Encoded Size          1001x751                         !Odd width (1001 is not multiple of 4)",
+              lines.at(4));
+    EXPECT_EQ("                                                             !Odd height (751 is not multiple of 4)",
+              lines.at(5));
     EXPECT_EQ("Warnings: 2 hard, 0 soft", lines.back());
 }
 

@@ -73,6 +73,7 @@ Ended RunProgram(std::string const& program, std::vector<std::string> const& arg
     std::string const& target = surroundings.outputTo.empty() ? out : surroundings.outputTo;
     posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, 1, target.c_str(), O_WRONLY, 0);
+    if (surroundings.closeOutput) posix_spawn_file_actions_addclose(&actions, 1);
     posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY, 0);
     pid_t process = -1;
     const int failed =

@@ -25,6 +25,7 @@ struct Surroundings {
     std::string input;                               // standard input
     std::string folder;                              // working folder; the test's own if empty
     std::string outputTo;                            // a file for standard output, such as /dev/full
+    bool closeOutput = false;                        // standard output is not there at all
 };
 
 // Runs a program with its arguments to its end.

@@ -129,7 +129,7 @@ TEST_F(Qt, RemoveOfWhatIsNotThere_ChangesNothing) {
 TEST_F(Qt, FileInUtf16_KeepsItsTexts) {
     std::filesystem::create_directories(Documents() + "/qt");
     const std::string line = std::string("SIG 1 ,\"\xc3\xbc\",\"\",\"\",\"") + One + "\",\"\",\"\",\"\",\"\"\n";
-    const Ended encoded = RunProgram("iconv", {"-f", "UTF-8", "-t", "UTF-16"}, {{}, line, "", ""});
+    const Ended encoded = RunProgram("iconv", {"-f", "UTF-8", "-t", "UTF-16"}, {{}, line, "", "", false});
     WriteFile(File(), encoded.out);
     ASSERT_TRUE(Contains(UserList(), "\r\nuser,1,camera,\xc3\xbc,")) << UserList();
     ASSERT_EQ(0, Add({"--class", "camera", "--make", "B", "--signature", Two}).status);
