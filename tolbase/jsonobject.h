@@ -4,13 +4,11 @@
 #include <wx/jsonval.h>
 #include <wx/string.h>
 
-#include <utility>
-
 #include "tolbase/export.h"
 
 class ORV_API JsonObject {
 public:
-    explicit JsonObject(wxString name = wxString()) : m_name(std::move(name)) {}
+    explicit JsonObject(const wxString& name = wxString()) : m_name(name) {}
     JsonObject(const JsonObject&) = default;
     JsonObject(JsonObject&&) noexcept = default;
     JsonObject& operator=(const JsonObject&) = default;

@@ -3,13 +3,11 @@
 #pragma once
 #include <wx/string.h>
 
-#include <utility>
-
 struct NameValueDesc {
     NameValueDesc() = default;
     // Mind the order: the members stand as name, description, value.
-    NameValueDesc(wxString name, wxString value, wxString description)
-        : Name(std::move(name)), Desc(std::move(description)), Value(std::move(value)) {}
+    NameValueDesc(const wxString& name, const wxString& value, const wxString& description)
+        : Name(name), Desc(description), Value(value) {}
 
     wxString Name;
     wxString Desc;

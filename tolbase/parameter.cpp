@@ -28,10 +28,10 @@ const wxString* AsText(const boost::any& value) {
 Parameter::Parameter() = default;
 Parameter::~Parameter() = default;
 
-Parameter::Parameter(wxString name, wxString description, int type, boost::any value,
+Parameter::Parameter(const wxString& name, const wxString& description, int type, boost::any value,
                      std::shared_ptr<const Validator> validator)
-    : m_name(std::move(name)),
-      m_description(std::move(description)),
+    : m_name(name),
+      m_description(description),
       m_type(type),
       m_value(std::move(value)),
       m_default(m_value),

@@ -44,7 +44,7 @@ public:
     // No name, no value, type -1. It takes over all of another one by assignment, and accepts nothing else.
     Parameter();
     // `value` is also the default that Reset returns to.
-    Parameter(wxString name, wxString description, int type, boost::any value,
+    Parameter(const wxString& name, const wxString& description, int type, boost::any value,
               std::shared_ptr<const Validator> validator);
     Parameter(const Parameter&) = default;
     Parameter(Parameter&&) noexcept = default;

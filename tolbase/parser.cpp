@@ -65,6 +65,7 @@ bool TryFromJson<bool>(const wxJSONValue& json, bool& value) {
     return TryFromString<bool>(json.AsString(), value);
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): a type can't stand in parentheses here
 #define ORV_DEFINE_INTEGER(T)                                \
     template <>                                              \
     wxString ToString<T>(const T& value) {                   \
@@ -96,6 +97,7 @@ ORV_DEFINE_INTEGER(unsigned int)
 ORV_DEFINE_INTEGER(int64_t)
 ORV_DEFINE_INTEGER(uint64_t)
 #undef ORV_DEFINE_INTEGER
+// NOLINTEND(bugprone-macro-parentheses)
 
 template <>
 wxString ToString<double>(const double& value) {

@@ -39,6 +39,7 @@ wxJSONValue ToJson(const T& value) = delete;
 template <class T>
 bool TryFromJson(const wxJSONValue& json, T& value) = delete;
 
+// NOLINTBEGIN(bugprone-macro-parentheses): a type can't stand in parentheses here
 #define ORV_DECLARE_CONVERSIONS(T)                      \
     template <>                                         \
     ORV_API wxString ToString<T>(const T& value);       \
@@ -63,6 +64,7 @@ ORV_DECLARE_CONVERSIONS(VecVecString)
 ORV_DECLARE_CONVERSIONS(wxSize)
 ORV_DECLARE_CONVERSIONS(TolStringMap)
 #undef ORV_DECLARE_CONVERSIONS
+// NOLINTEND(bugprone-macro-parentheses)
 
 // The inverse of ToString; the type's zero (0, false, empty) for a text that doesn't parse.
 template <class T>

@@ -4,9 +4,10 @@
 namespace {
 
 wxString Reduced(const wxString& name) {
+    const wxString passedOver(" _-");
     wxString reduced;
     for (const wxUniChar c : name)
-        if (c != ' ' && c != '_' && c != '-') reduced += c;
+        if (passedOver.find(c) == wxString::npos) reduced += c;
     return reduced.Lower();
 }
 

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
-#include <utility>
+#include <tuple>
 
 #include "tolbase/file.h"
 
@@ -20,7 +20,7 @@ std::atomic<bool> dpiAware{false};
 // Gives the one catalogue that the helper has found.
 class OneFileLoader : public wxTranslationsLoader {
 public:
-    OneFileLoader(wxString file, wxString code) : m_file(std::move(file)), m_code(std::move(code)) {}
+    OneFileLoader(const wxString& file, const wxString& code) : m_file(file), m_code(code) {}
     wxMsgCatalog* LoadCatalog(const wxString& domain, const wxString& language) override {
         return language == m_code ? wxMsgCatalog::CreateFromFile(m_file, domain) : nullptr;
     }

@@ -16,7 +16,7 @@
 
 class ORV_API Validator {
 public:
-    explicit Validator(wxString text = wxString()) : m_text(std::move(text)) {}
+    explicit Validator(const wxString& text = wxString()) : m_text(text) {}
     virtual ~Validator();
 
     virtual wxJSONValue ValueToJson(const boost::any& value) const;
@@ -64,7 +64,7 @@ const T& AnyCast(const boost::any& value) {
 template <class T>
 class ValidatorTyped : public Validator {
 public:
-    explicit ValidatorTyped(wxString text = wxString()) : Validator(std::move(text)) {}
+    explicit ValidatorTyped(const wxString& text = wxString()) : Validator(text) {}
 
     wxJSONValue ValueToJson(const boost::any& value) const override { return ::ToJson<T>(AnyCast<T>(value)); }
     boost::any JsonToValue(const wxJSONValue& json) const override {

@@ -432,10 +432,12 @@ bool wxJSONValue::IsSameAs(const wxJSONValue& other) const {
 
 const std::vector<wxJSONValue>& wxJSONValue::Elements() const {
     static const Array none;
-    return GetArray() == nullptr ? none : *GetArray();
+    const Array* array = GetArray();
+    return array == nullptr ? none : *array;
 }
 
 const std::vector<wxJSONValue::Member>& wxJSONValue::Members() const {
     static const std::vector<Member> none;
-    return GetObject() == nullptr ? none : GetObject()->members;
+    const Object* object = GetObject();
+    return object == nullptr ? none : object->members;
 }

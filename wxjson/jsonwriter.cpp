@@ -153,7 +153,9 @@ void Output::Indent(int level) {
     if ((m_style & wxJSONWRITER_TAB_INDENT) != 0)
         m_text.append(static_cast<std::size_t>(level), '\t');
     else
-        m_text.append(static_cast<std::size_t>(m_indent + level * m_step), ' ');
+        m_text.append(
+            static_cast<std::size_t>(m_indent) + static_cast<std::size_t>(level) * static_cast<std::size_t>(m_step),
+            ' ');
 }
 
 }  // namespace
