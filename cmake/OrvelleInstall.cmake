@@ -41,6 +41,8 @@ execute_process(COMMAND "${WX_CONFIG}" --libs core,net,base
   OUTPUT_VARIABLE ORV_PC_LIBS OUTPUT_STRIP_TRAILING_WHITESPACE)
 string(APPEND ORV_PC_CFLAGS " -I${OPENCV_INCLUDE_DIR}")
 string(APPEND ORV_PC_LIBS " -lopencv_core -lopencv_imgproc")
+# The package may be installed anywhere: the way back from the file to the prefix.
+file(RELATIVE_PATH ORV_PC_UP "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 configure_file(cmake/orvcore.pc.in "${PROJECT_BINARY_DIR}/orvcore.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/orvcore.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
 install(FILES LICENSE README.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT runtime)

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "jsonrepair.h"
-#include "utf8text.h"
+#include "wxjson/jsonrepair.h"
+#include "wxjson/utf8text.h"
 
 namespace {
 

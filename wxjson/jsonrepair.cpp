@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "jsonrepair.h"
+#include "wxjson/jsonrepair.h"
 
 #include <algorithm>
 #include <cstring>

@@ -6,7 +6,7 @@
 #include <limits>
 #include <unordered_map>
 
-#include "utf8text.h"
+#include "wxjson/utf8text.h"
 #include "wx/jsonwriter.h"
 
 // The members in order of insertion. A large object gets an index, so that a hostile file can't make it slow.

@@ -6,7 +6,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "utf8text.h"
+#include "wxjson/utf8text.h"
 
 namespace {
 

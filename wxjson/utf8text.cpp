@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "utf8text.h"
+#include "wxjson/utf8text.h"
 
 #include <cstdint>
 
