@@ -25,6 +25,7 @@
 #include "orvcore/plotdata.h"
 #include "orvcore/project.h"
 #include "orvcore/smscollection.h"
+#include "orvcore/socialevaluation.h"
 #include "orvcore/socialmediasignature.h"
 #include "orvcore/socialmediatable.h"
 #include "orvcore/tablewriter.h"

@@ -21,7 +21,7 @@ bool SMSCollection::m_userSigLoaded = false;
 uint64_t SMSCollection::LoadInternalSignatures() {
     if (m_internalSigLoaded) return 0;
     size_t const before = m_collection.size();
-    size_t const count = GetInternalSocialMediaRecordCount();
+    size_t const count = SocialMediaRecordCount;
     m_collection.reserve(before + count);
     for (size_t i = 0; i < count; ++i) {
         SocialMediaSignature signature = MakeInternalSocialMediaSignature(i);

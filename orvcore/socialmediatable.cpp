@@ -113,3 +113,6 @@ VecVecString SocialMediaTable::Evaluate() {
     }
     return GenerateTable();
 }
+
+SocialMediaTableComparison::SocialMediaTableComparison()
+    : OrvInfoTableComparison(new SocialMediaTable(Evidence), new SocialMediaTable(Reference)) {}

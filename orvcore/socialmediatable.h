@@ -4,6 +4,7 @@
 // Threads and ownership: see infotable.h. Evaluate reads the shared list of smscollection.h without a lock.
 #pragma once
 
+#include "orvcore/comparisontable.h"
 #include "orvcore/infotable.h"
 #include "tolbase/export.h"
 #include "tolbase/types.h"
@@ -15,4 +16,10 @@ public:
 
     // All values are empty for an empty slot and for a file that is no JPEG.
     VecVecString Evaluate() override;
+};
+
+// The same for Evidence and Reference side by side.
+class ORV_API SocialMediaTableComparison : public OrvInfoTableComparison {
+public:
+    SocialMediaTableComparison();
 };

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+// The samples of data/social_*.tsv, and what of them goes into the compiled table.
+#pragma once
+#include <array>
+#include <ostream>
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace makesocial {
+
+// What an encoder decides, whatever the picture's size: exif, markers, sampling, table.
+using Profile = std::tuple<int, int, int, int>;
+
+struct Sample {
+    std::string group, confidence, collection, file, date;
+    int width = 0, height = 0, thumbnailWidth = 0, thumbnailHeight = 0;
+    int exif = 0, markers = 0;
+    int sampling = 0;  // second digit times ten plus third digit of "4:2:0"
+    int table = 0;     // index in Data::tables
+    bool isModelled = false;
+
+    int LongerSide() const { return width > height ? width : height; }
+    Profile GetProfile() const { return {exif, markers, sampling, table}; }
+    std::array<int, 8> Head() const {
+        return {width, height, thumbnailWidth, thumbnailHeight, exif, markers, sampling / 10, sampling % 10};
+    }
+};
+
+struct Group {
+    std::string name;
+    int records = 0, least = 0, greatest = 0;  // sides: of the pictures' longer one
+
+    bool Admits(Sample const& sample) const { return Admits(sample.LongerSide()); }
+    bool Admits(int side) const { return side >= least && side <= greatest; }
+};
+
+using Table = std::array<int, 40>;
+
+struct Data {
+    std::vector<Group> groups;
+    std::vector<Table> tables;
+    std::vector<Sample> measured;
+    std::vector<Sample> others;
+    std::vector<Sample> published;  // profiles without a file: no size, no collection
+};
+
+// Reads the five files; throws std::runtime_error with file and line for what is wrong.
+Data ReadData(std::string const& folder);
+
+// `count` of the group's measured samples, as different as can be: one with the least side and one with the greatest if
+// there are such, then one of each profile, collection and year in turn, high confidence first.
+std::vector<Sample> Thin(Data const& data, Group const& group, int count);
+
+// `count` records that are modelled on the group's measured samples or on its published profile, each unlike every
+// measured sample and every other. `chosen` are those that stand in the table already: where none of them has the
+// group's least or greatest side, a modelled one has.
+std::vector<Sample> Model(Data const& data, Group const& group, std::vector<Sample> const& chosen, int count);
+
+// How many records of the group have to be modelled.
+int CountToModel(Data const& data, Group const& group);
+
+// All records in the order of the table.
+std::vector<Sample> MakeTable(Data const& data);
+
+void WriteTable(Data const& data, std::vector<Sample> const& records, std::ostream& out);
+// The samples with their numbers in full, as `orvelle social --evaluate` reads them.
+void WriteLabels(Data const& data, std::ostream& out);
+// How many records of each group are measured and modelled.
+void WriteCounts(Data const& data, std::vector<Sample> const& records, std::ostream& out);
+
+}  // namespace makesocial
