@@ -249,6 +249,7 @@ private:
     void ReadDetails(wxString const& path, OrvFileId id);
     void TakeSubImages(wxString const& path, OrvFileId id);
     wxString MakeFileInfo(OrvFileId id) const;
+    void SetBasePath(OrvFileId id, wxString hash);
     void CopyToCache(wxString const& source, wxString const& copy) const;
     VecParameter MakeGeneralOptions(wxString const& hiDpi) const;
     void AddWebServiceOptions();

@@ -6,6 +6,9 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <future>
+#include <optional>
+#include <system_error>
 #include <vector>
 
 #include "orvcore/context.h"
@@ -25,6 +28,7 @@ constexpr size_t kCacheNameLength = 32;
 constexpr size_t kCameraNameLength = 16;
 constexpr size_t kCutCameraNameLength = 14;
 constexpr size_t kCopyBlock = size_t{1} << 20;
+constexpr unsigned long kHashBesideBytes = 64UL << 20;
 
 TolException LoadFailure(int line, wxString const& message) {
     return TolException("context_files.cpp", line, ExceptionGeneral, TolErrorMessage, message);
@@ -40,6 +44,27 @@ void RequireSupported(wxString const& path) {
 wxString ShortenCameraName(wxString const& name) {
     return name.length() > kCameraNameLength ? name.Left(kCutCameraNameLength) + "..." : name;
 }
+
+// A file's MD5, taken on a thread of its own while the file is decoded. Large files wait until they have proved to be
+// pictures: a thread can't be called back.
+class HashBeside {
+public:
+    explicit HashBeside(wxString const& path) : m_path(path) {
+        wxULongLong const size = wxFileName::GetSize(path);
+        if (size == wxInvalidSize || size > kHashBesideBytes) return;
+        try {
+            m_future = std::async(std::launch::async, TcvCalcHashFromFile, path, MD5, true);
+        } catch (std::system_error const&) {
+            // No thread to be had: Get does the work.
+            return;
+        }
+    }
+    wxString Get() { return m_future.valid() ? m_future.get() : TcvCalcHashFromFile(m_path, MD5, true); }
+
+private:
+    wxString m_path;
+    std::future<wxString> m_future;
+};
 
 // A descriptor that closes itself.
 class Descriptor {
@@ -94,6 +119,8 @@ void OrvContext::LoadFile(wxString const& path, OrvFileId id, wxString const& or
     if (exists) ExifToolPrefetch(path);
     tcvSetProgressString(wxString::Format(OrvTranslate("Loading file: %s"), ::GetFilenameNoPath(path)));
     Image loaded;
+    std::optional<HashBeside> hash;
+    if (exists) hash.emplace(path);
     // Nothing but a regular file is opened: a pipe or a device would never end.
     if (exists) loaded = Image(tcvLoadImage(path, true, false)).ToColor();
     if (exists && !loaded.IsOk()) RequireSupported(path);
@@ -117,7 +144,7 @@ void OrvContext::LoadFile(wxString const& path, OrvFileId id, wxString const& or
         auto const last = std::find(allFiles.rbegin(), allFiles.rend(), sourceName);
         slot.fileId = static_cast<int>(allFiles.rend() - last) - 1;
         if (folderChanged) slot.fileList = std::move(allFiles);
-        UpdateBasePath(id);
+        SetBasePath(id, loaded.IsOk() ? hash->Get() : wxString());
     } catch (...) {
         // A slot that is half one file and half another would credit results to the wrong one.
         slot = FileSlot();
@@ -172,6 +199,11 @@ wxString OrvContext::MakeFileInfo(OrvFileId id) const {
 }
 
 void OrvContext::UpdateBasePath(OrvFileId id) {
+    FileSlot const& slot = *m_slots[id];
+    SetBasePath(id, slot.image.IsOk() ? TcvCalcHashFromFile(slot.filename, MD5, true) : wxString());
+}
+
+void OrvContext::SetBasePath(OrvFileId id, wxString hash) {
     FileSlot& slot = *m_slots[id];
     slot.outputBasePath.clear();
     if (!slot.image.IsOk()) return;
@@ -179,7 +211,6 @@ void OrvContext::UpdateBasePath(OrvFileId id) {
     wxString base = GetAppDocumentsPath() + wxFILE_SEP_PATH + "cache";
     if (m_cacheLocation == 1) base = wxPathOnly(slot.filename);
     if (m_cacheLocation == 2) base = m_customCacheFolder;
-    wxString hash = TcvCalcHashFromFile(slot.filename, MD5, true);
     // A file that is gone since it was loaded keeps its name in the cache.
     if (hash.empty()) hash = slot.hash;
     if (hash.empty()) throw LoadFailure(__LINE__, "The file can't be read to its end.");
