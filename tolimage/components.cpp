@@ -8,8 +8,7 @@
 #include <png.h>
 #include <tiffio.h>
 #include <webp/decode.h>
-#include <wx/utils.h>
-#include <wx/versioninfo.h>
+#include <wx/version.h>
 #include <zlib.h>
 
 #include <boost/version.hpp>
@@ -63,9 +62,8 @@ wxString ExifToolText() {
 }  // namespace
 
 std::vector<std::pair<wxString, wxString>> GetComponentVersions() {
-    const wxVersionInfo wx = wxGetLibraryVersionInfo();
     return {{"OpenCV", Text(cv::getVersionString())},
-            {"wxWidgets", Dotted(wx.GetMajor(), wx.GetMinor(), wx.GetMicro())},
+            {"wxWidgets", Dotted(wxMAJOR_VERSION, wxMINOR_VERSION, wxRELEASE_NUMBER)},
             {"Boost", Dotted(BOOST_VERSION / 100000, BOOST_VERSION / 100 % 1000, BOOST_VERSION % 100)},
             {"nlohmann-json",
              Dotted(NLOHMANN_JSON_VERSION_MAJOR, NLOHMANN_JSON_VERSION_MINOR, NLOHMANN_JSON_VERSION_PATCH)},

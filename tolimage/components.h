@@ -12,5 +12,6 @@
 #include "tolbase/export.h"
 
 // Name and version in a fixed order ("OpenCV", "4.6.0"); "not found" for an ExifTool that is not installed. Of
-// libraries that consist of headers it is the version that this program was built with.
+// libraries that consist of headers, and of wxWidgets, it is the version that this program was built with: wxWidgets
+// starts shells to learn about the system before it tells its own.
 ORV_API std::vector<std::pair<wxString, wxString>> GetComponentVersions();
