@@ -35,7 +35,8 @@ using bench::Rounding;
 
 constexpr double kThreshold = 13.0;
 constexpr std::array<int, 7> kQualities = {50, 60, 70, 80, 90, 95, 100};
-constexpr std::array<int, 4> kSizes = {128, 256, 512, 1024};
+constexpr int kWhole = 0;
+constexpr std::array<int, 5> kSizes = {128, 256, 512, 1024, kWhole};
 constexpr int kMinSide = 256;
 constexpr double kReduction = 2.3;
 constexpr int kPeriod = 8;
@@ -111,10 +112,12 @@ public:
         for (const int size : kSizes) {
             if (size > picture.cols || size > picture.rows) continue;
             // Away from the middle and the corners alike; another place for each picture and size.
-            const cv::Rect box(Random(picture.cols - size), Random(picture.rows - size), size, size);
+            const cv::Rect whole(0, 0, picture.cols, picture.rows);
+            const cv::Rect box =
+                size == kWhole ? whole : cv::Rect(Random(picture.cols - size), Random(picture.rows - size), size, size);
             for (Encoder const& encoder : m_encoders) {
                 for (const int quality : kQualities) {
-                    RunOne(name, encoder, quality, picture(box).clone());
+                    RunOne(name, encoder, quality, size, picture(box).clone());
                     if (encoder.name == "none") break;
                 }
             }
@@ -130,7 +133,7 @@ public:
 private:
     int Random(int below) { return below <= 0 ? 0 : static_cast<int>(m_random() % static_cast<unsigned>(below)); }
 
-    void RunOne(std::string const& name, Encoder const& encoder, int quality, cv::Mat const& crop) {
+    void RunOne(std::string const& name, Encoder const& encoder, int quality, int size, cv::Mat const& crop) {
         const cv::Mat encoded = encoder.encode(crop, quality);
         const int dx = Random(kPeriod);
         const int dy = Random(kPeriod);
@@ -140,10 +143,10 @@ private:
         const int x = (kPeriod - dx) % kPeriod;
         const int y = (kPeriod - dy) % kPeriod;
         Count(m_byQuality[encoder.name][encoder.name == "none" ? 0 : quality], result, x, y);
-        Count(m_bySize[encoder.name][crop.cols], result, x, y);
+        Count(m_bySize[encoder.name][size], result, x, y);
         if (!m_verbose) return;
-        std::cout << name << '\t' << encoder.name << '\t' << quality << '\t' << crop.cols << '\t' << result.strength
-                  << '\t' << (result.xOffset == x && result.yOffset == y) << '\n';
+        std::cout << name << '\t' << encoder.name << '\t' << quality << '\t' << size << '\t' << result.strength << '\t'
+                  << (result.xOffset == x && result.yOffset == y) << '\n';
     }
 
     void Print(std::string const& column, Tallies const& tallies) const {
@@ -153,7 +156,7 @@ private:
             const auto rows = tallies.find(encoder.name);
             if (rows == tallies.end()) continue;
             for (auto const& [key, tally] : rows->second) {
-                std::cout << encoder.name << " | " << (key == 0 ? "-" : std::to_string(key)) << " | " << tally.trials
+                std::cout << encoder.name << " | " << (key == 0 ? "all" : std::to_string(key)) << " | " << tally.trials
                           << " | " << tally.found << " | ";
                 std::cout << (encoder.leavesDimples ? std::to_string(tally.placed) : "-") << " | " << tally.least
                           << " | " << tally.greatest << '\n';
