@@ -11,7 +11,9 @@ OrvFilterOriginal::OrvFilterOriginal() : OrvFilter("Original") {
     m_description = "Shows the picture as it is.";
 }
 
-void OrvFilterOriginal::PreApply() { m_imageToSave = Image(); }
+void OrvFilterOriginal::PreApply() {
+    m_imageToSave = Image();
+}
 
 void OrvFilterOriginal::Apply(OrvFileId /*id*/) {}
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "orvcore/tablewriter.h"
 
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>

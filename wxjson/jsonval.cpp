@@ -6,8 +6,8 @@
 #include <limits>
 #include <unordered_map>
 
-#include "wxjson/utf8text.h"
 #include "wx/jsonwriter.h"
+#include "wxjson/utf8text.h"
 
 // The members in order of insertion. A large object gets an index, so that a hostile file can't make it slow.
 struct wxJSONValue::Object {

@@ -38,7 +38,9 @@ TEST_F(FileList, EmptyTextsAndEntries_AreNoFiles) {
     EXPECT_FALSE(IsAConcatenationOfAllExistingFiles(a + "||" + b, "|", 1));
 }
 
-TEST_F(FileList, AFolder_IsNoFile) { EXPECT_FALSE(IsAConcatenationOfAllExistingFiles(dir.Path(), "|", 1)); }
+TEST_F(FileList, AFolder_IsNoFile) {
+    EXPECT_FALSE(IsAConcatenationOfAllExistingFiles(dir.Path(), "|", 1));
+}
 
 TEST_F(FileList, WithoutASeparator_TheTextIsOneFile) {
     EXPECT_TRUE(IsAConcatenationOfAllExistingFiles(b, "", 1));

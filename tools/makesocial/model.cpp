@@ -52,7 +52,7 @@ std::map<Profile, std::vector<Sample const*>> FindModels(Data const& data, Group
     std::map<Profile, std::vector<Sample const*>> own;
     std::map<Profile, std::vector<Sample const*>> all;
     for (Sample const& sample : data.measured) {
-        if (sample.group != group.name || !group.Admits(sample)) continue;
+        if (!IsUsable(data, group, sample)) continue;
         all[sample.GetProfile()].push_back(&sample);
         if (shared.count(sample.GetProfile()) == 0) own[sample.GetProfile()].push_back(&sample);
     }

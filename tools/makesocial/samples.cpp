@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <numeric>
 #include <set>
 #include <stdexcept>
 
@@ -114,21 +115,33 @@ std::vector<Sample const*> SizesFirst(std::vector<Sample const*> samples) {
     return result;
 }
 
-// Takes one of each stratum in turn until there are `count`.
-void TakeInTurn(std::vector<Sample const*> const& samples, size_t count, std::vector<Sample>& taken) {
-    std::map<std::tuple<std::string, std::string, Profile>, std::vector<Sample const*>> strata;
-    for (Sample const* sample : samples) {
-        strata[{sample->date.substr(0, 4), sample->collection, sample->GetProfile()}].push_back(sample);
-    }
+// One of each collection and year in turn.
+std::vector<Sample const*> CollectionsInTurn(std::vector<Sample const*> const& samples) {
+    std::map<std::pair<std::string, std::string>, std::vector<Sample const*>> strata;
+    for (Sample const* sample : samples) strata[{sample->collection, sample->date.substr(0, 4)}].push_back(sample);
     for (auto& stratum : strata) stratum.second = SizesFirst(std::move(stratum.second));
-    for (size_t turn = 0; taken.size() < count; ++turn) {
-        bool hasMore = false;
+    std::vector<Sample const*> result;
+    for (size_t turn = 0; result.size() < samples.size(); ++turn) {
         for (auto const& [key, stratum] : strata) {
-            if (turn >= stratum.size() || taken.size() >= count) continue;
-            taken.push_back(*stratum[turn]);
+            if (turn < stratum.size()) result.push_back(stratum[turn]);
+        }
+    }
+    return result;
+}
+
+// Takes one of each profile in turn until there are `count`.
+void TakeInTurn(std::vector<Sample const*> const& samples, size_t count, std::vector<Sample>& taken) {
+    std::map<Profile, std::vector<Sample const*>> profiles;
+    for (Sample const* sample : samples) profiles[sample->GetProfile()].push_back(sample);
+    for (auto& profile : profiles) profile.second = CollectionsInTurn(profile.second);
+    bool hasMore = true;
+    for (size_t turn = 0; hasMore && taken.size() < count; ++turn) {
+        hasMore = false;
+        for (auto const& [key, ranked] : profiles) {
+            if (turn >= ranked.size() || taken.size() >= count) continue;
+            taken.push_back(*ranked[turn]);
             hasMore = true;
         }
-        if (!hasMore) return;
     }
 }
 
@@ -144,24 +157,29 @@ Data ReadData(std::string const& folder) {
     return data;
 }
 
+bool IsUsable(Data const& data, Group const& group, Sample const& sample) {
+    Table const& table = data.tables[static_cast<size_t>(sample.table)];
+    return sample.group == group.name && group.Admits(sample) && sample.markers <= kMostMarkers &&
+           std::accumulate(table.begin(), table.end(), 0) <= kCoarsest &&
+           *std::min_element(table.begin(), table.end()) > 0;
+}
+
 std::vector<Sample> Thin(Data const& data, Group const& group, int count) {
     std::vector<Sample> taken;
+    std::set<std::string> bounds;
     for (int const side : {group.least, group.greatest}) {
         auto const found = std::find_if(data.measured.begin(), data.measured.end(), [&](Sample const& one) {
-            return one.group == group.name && one.LongerSide() == side;
+            return IsUsable(data, group, one) && one.LongerSide() == side;
         });
-        if (found != data.measured.end()) taken.push_back(*found);
+        if (found == data.measured.end()) continue;
+        taken.push_back(*found);
+        bounds.insert(found->file);
     }
-    std::set<std::string> bounds;
-    for (Sample const& sample : taken) bounds.insert(sample.file);
-    for (char const* confidence : {"high", "medium"}) {
-        std::vector<Sample const*> samples;
-        for (Sample const& sample : data.measured) {
-            if (sample.group != group.name || sample.confidence != confidence || !group.Admits(sample)) continue;
-            if (bounds.count(sample.file) == 0) samples.push_back(&sample);
-        }
-        TakeInTurn(samples, static_cast<size_t>(count), taken);
+    std::vector<Sample const*> samples;
+    for (Sample const& sample : data.measured) {
+        if (IsUsable(data, group, sample) && bounds.count(sample.file) == 0) samples.push_back(&sample);
     }
+    TakeInTurn(samples, static_cast<size_t>(count), taken);
     return taken;
 }
 
@@ -170,7 +188,7 @@ int CountToModel(Data const& data, Group const& group) {
     bool hasLeast = false;
     bool hasGreatest = false;
     for (Sample const& sample : data.measured) {
-        if (sample.group != group.name || !group.Admits(sample)) continue;
+        if (!IsUsable(data, group, sample)) continue;
         ++admitted;
         hasLeast = hasLeast || sample.LongerSide() == group.least;
         hasGreatest = hasGreatest || sample.LongerSide() == group.greatest;

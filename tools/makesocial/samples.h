@@ -48,8 +48,17 @@ struct Data {
 // Reads the five files; throws std::runtime_error with file and line for what is wrong.
 Data ReadData(std::string const& folder);
 
+// The ranges by which all comparisons are scaled go from the least to the greatest number of the whole table, so that
+// one odd record blurs all others: samples of coarser tables (by the sum of their 40 steps; IJG quality 65 has 777), or
+// with more markers, stay out.
+constexpr int kCoarsest = 777;
+constexpr int kMostMarkers = 29;
+
+// May the measured sample stand in the group, or stand model for records of it?
+bool IsUsable(Data const& data, Group const& group, Sample const& sample);
+
 // `count` of the group's measured samples, as different as can be: one with the least side and one with the greatest if
-// there are such, then one of each profile, collection and year in turn, high confidence first.
+// there are such, then one of each profile in turn, and within a profile one of each collection and year.
 std::vector<Sample> Thin(Data const& data, Group const& group, int count);
 
 // `count` records that are modelled on the group's measured samples or on its published profile, each unlike every
