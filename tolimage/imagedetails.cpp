@@ -97,8 +97,7 @@ wxString FormatFromExifTool(wxString const& type, wxString const& mime) {
 void PutTexts(Finder const& find, ImageDetailsExifTool& details) {
     details.Make = find.First({"IFD0:Make", "EXIF:Make", "XMP-tiff:Make", "*:Make"});
     details.Model = find.First({"IFD0:Model", "EXIF:Model", "XMP-tiff:Model", "*:Model"});
-    details.Software =
-        find.First({"IFD0:Software", "EXIF:Software", "XMP-tiff:Software", "PNG:Software", "XMP-xmp:CreatorTool"});
+    details.Software = find.First({"IFD0:Software", "EXIF:Software", "XMP-tiff:Software", "PNG:Software"});
     details.SerialNumber = find.First({"ExifIFD:SerialNumber", "EXIF:SerialNumber", "MakerNotes:SerialNumber",
                                        "XMP-aux:SerialNumber", "XMP-exifEX:SerialNumber", "XMP-exifEX:BodySerialNumber",
                                        "*:CameraSerialNumber", "MakerNotes:InternalSerialNumber"});
