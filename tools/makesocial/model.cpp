@@ -43,24 +43,33 @@ Vector VectorOf(Sample const& sample) {
     return {sample.Head(), sample.table};
 }
 
-// Measured files of the group that may stand model: their longer side fits the group, and their profile isn't one that
-// files from no platform have too, so that such files gain no neighbours. By profile; where all profiles are shared,
-// all stand model.
-std::map<Profile, std::vector<Sample const*>> FindModels(Data const& data, Group const& group) {
-    std::set<Profile> shared;
-    for (Sample const& sample : data.others) shared.insert(sample.GetProfile());
-    std::map<Profile, std::vector<Sample const*>> own;
-    std::map<Profile, std::vector<Sample const*>> all;
+using Models = std::map<Profile, std::vector<Sample const*>>;
+
+// Has a file from no platform this table and sampling, and nearly as many markers?
+bool IsNearOthers(Data const& data, Sample const& sample) {
+    constexpr int kNearMarkers = 2;
+    return std::any_of(data.others.begin(), data.others.end(), [&](Sample const& other) {
+        return other.table == sample.table && other.sampling == sample.sampling &&
+               std::abs(other.markers - sample.markers) <= kNearMarkers;
+    });
+}
+
+// Measured files that may stand model, by profile: those whose profile no file from no platform comes near, so that
+// such files gain no neighbours. Where too few profiles are left, all may.
+Models FindModels(Data const& data, Group const& group) {
+    constexpr size_t kFewest = 3;
+    Models own;
+    Models all;
     for (Sample const& sample : data.measured) {
         if (!IsUsable(data, group, sample)) continue;
         all[sample.GetProfile()].push_back(&sample);
-        if (shared.count(sample.GetProfile()) == 0) own[sample.GetProfile()].push_back(&sample);
+        if (!IsNearOthers(data, sample)) own[sample.GetProfile()].push_back(&sample);
     }
-    return own.empty() ? all : own;
+    return own.size() < kFewest ? all : own;
 }
 
 // Shares `count` out among the profiles by the square roots of their numbers of files, largest remainders first.
-std::vector<int> ShareOut(std::map<Profile, std::vector<Sample const*>> const& models, int count) {
+std::vector<int> ShareOut(Models const& models, int count) {
     double total = 0;
     for (auto const& model : models) total += std::sqrt(static_cast<double>(model.second.size()));
     std::vector<int> shares;
@@ -140,7 +149,7 @@ bool HasSide(std::vector<Sample> const& samples, int side) {
 }
 
 // The file whose longer side is nearest to `side`.
-Sample const& Nearest(std::map<Profile, std::vector<Sample const*>> const& models, int side) {
+Sample const& Nearest(Models const& models, int side) {
     Sample const* best = nullptr;
     for (auto const& model : models) {
         for (Sample const* sample : model.second) {
