@@ -11,12 +11,32 @@
 #include "orvcore/smstable.h"
 #include "tolbase/file.h"
 #include "tolbase/limits.h"
+#include "tolbase/parser.h"
 
 std::vector<SocialMediaSignature> SMSCollection::m_collection;
 std::vector<std::vector<int>> SMSCollection::m_normalizVectMinMax;
 std::map<wxString, uint64_t> SMSCollection::m_socialMaxSupportedRes;
 bool SMSCollection::m_internalSigLoaded = false;
 bool SMSCollection::m_userSigLoaded = false;
+
+namespace {
+
+// The file that the last reading could not take in whole; saving must not lose what it holds.
+wxString& FileNotTakenWhole() {
+    static wxString path;
+    return path;
+}
+
+void KeepAside(wxString const& path) {
+    for (int number = 1; number < 100; ++number) {
+        wxString const aside = path + ".bak" + (number == 1 ? wxString() : ToString<int>(number));
+        if (wxFileExists(aside)) continue;
+        wxRenameFile(path, aside, false);
+        return;
+    }
+}
+
+}  // namespace
 
 uint64_t SMSCollection::LoadInternalSignatures() {
     if (m_internalSigLoaded) return 0;
@@ -44,6 +64,10 @@ uint64_t SMSCollection::LoadUserSignatures(wxString const& path) {
 }
 
 void SMSCollection::SaveUserSignatures(wxString const& path) {
+    if (!path.empty() && path == FileNotTakenWhole() && wxFileExists(path)) {
+        KeepAside(path);
+        FileNotTakenWhole().clear();
+    }
     if (!wxFileExists(path)) WriteFile(path, "");
     Write(path);
 }
@@ -118,6 +142,7 @@ void SMSCollection::Write(wxString const& path) const {
 }
 
 void SMSCollection::Read(wxString const& path) {
+    FileNotTakenWhole() = path;
     std::string bytes;
     if (!ReadFileBytes(path, bytes, static_cast<size_t>(GetTolLimit(TolLimit::UserDatabaseBytes)))) return;
     constexpr char const* kMark = "\xEF\xBB\xBF";
@@ -128,6 +153,9 @@ void SMSCollection::Read(wxString const& path) {
     reader.SetLimits(static_cast<int>(std::min<uint64_t>(GetTolLimit(TolLimit::JsonDepth), wxJSON_HARD_DEPTH)),
                      static_cast<size_t>(GetTolLimit(TolLimit::UserDatabaseBytes)));
     wxJSONValue value;
-    reader.ParseUtf8(bytes, &value);
+    bool const isSound = reader.ParseUtf8(bytes, &value) == 0;
+    size_t const before = m_collection.size();
     ReadFromJson(value);
+    size_t const told = value.IsNull() ? 0 : static_cast<size_t>(std::max(1, value.ItemAt("SMSCollection").Size()));
+    if (bytes.empty() || (isSound && m_collection.size() - before == told)) FileNotTakenWhole().clear();
 }

@@ -50,7 +50,8 @@ public:
     // Loads the user's file, once. How many signatures came in; 0 too where there is no such file, and then a later
     // call may succeed. What the file holds besides valid signatures is dropped.
     uint64_t LoadUserSignatures(wxString const& path);
-    // Writes the user's signatures, making the file if it does not exist. See Write.
+    // Writes the user's signatures, making the file if it does not exist. A file that could not be taken in whole is
+    // first put aside, under its name with ".bak" at the end. See Write.
     void SaveUserSignatures(wxString const& path);
     // Appends a copy, whether valid and new or not. Always true.
     bool AddEntryToDatabase(SocialMediaSignature const& signature);
