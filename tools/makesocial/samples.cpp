@@ -196,7 +196,7 @@ int CountToModel(Data const& data, Group const& group) {
     return std::max(group.records - admitted, (hasLeast ? 0 : 1) + (hasGreatest ? 0 : 1));
 }
 
-std::vector<Sample> MakeTable(Data const& data) {
+std::vector<Sample> MakeGroups(Data const& data) {
     std::vector<Sample> table;
     for (Group const& group : data.groups) {
         int const toModel = CountToModel(data, group);
@@ -210,6 +210,18 @@ std::vector<Sample> MakeTable(Data const& data) {
         table.insert(table.end(), measured.begin(), measured.end());
     }
     return table;
+}
+
+std::vector<Sample> MakeTable(Data data) {
+    for (;;) {
+        std::vector<Sample> table = MakeGroups(data);
+        std::set<std::string> const lone = FindLone(data, table);
+        if (lone.empty()) return table;
+        size_t const before = data.measured.size();
+        auto const isLone = [&](Sample const& one) { return lone.count(one.file.substr(0, 16)) != 0; };
+        data.measured.erase(std::remove_if(data.measured.begin(), data.measured.end(), isLone), data.measured.end());
+        if (data.measured.size() == before) throw std::runtime_error("a record that no other is like");
+    }
 }
 
 }  // namespace makesocial

@@ -3,6 +3,7 @@
 #pragma once
 #include <array>
 #include <ostream>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -69,8 +70,13 @@ std::vector<Sample> Model(Data const& data, Group const& group, std::vector<Samp
 // How many records of the group have to be modelled.
 int CountToModel(Data const& data, Group const& group);
 
-// All records in the order of the table.
-std::vector<Sample> MakeTable(Data const& data);
+// The first halves of the identifiers of the files behind those records that aren't recognised by their own group: no
+// two others of it are so like them that the classifier's mean of three is reached. The first record with a
+// group's least side and with its greatest is passed over: one has to be.
+std::set<std::string> FindLone(Data const& data, std::vector<Sample> const& table);
+
+// All records in the order of the table, none of them lone, since such a one could never help to name a platform.
+std::vector<Sample> MakeTable(Data data);
 
 void WriteTable(Data const& data, std::vector<Sample> const& records, std::ostream& out);
 // The samples with their numbers in full, as `orvelle social --evaluate` reads them.
