@@ -12,6 +12,11 @@
 
 namespace cli {
 
+namespace {
+// Enough that ExifTool always has a next file while one is decoded and hashed.
+constexpr size_t FilesAskedAhead = 4;
+}  // namespace
+
 void OutputOptions::Define(CLI::App& app) {
     AddChoice(app, "--format", format, FormatNames(),
               "Form of the result; by the ending of the output file, else text");
@@ -76,10 +81,10 @@ void RecordRun::ExamineAll(Session& session, std::vector<std::string> const& fil
                            Output& output, RecordWriter& writer) {
     Record reference;
     const bool hasReference = !m_reference.empty() && ExamineOne(session, m_reference, Reference, fill, reference);
+    size_t asked = 0;
     for (size_t i = 0; i < files.size() && !IsInterrupted() && !output.IsClosed(); ++i) {
         m_environment.terminal.Progress(i + 1, files.size(), files[i]);
-        if (i == 0) AskAhead(files[0]);
-        if (i + 1 < files.size()) AskAhead(files[i + 1]);
+        for (; asked < files.size() && asked <= i + FilesAskedAhead; ++asked) AskAhead(files[asked]);
         Record record;
         if (!ExamineOne(session, files[i], Evidence, fill, record)) continue;
         m_environment.terminal.ClearProgress();
