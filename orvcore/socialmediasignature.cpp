@@ -64,13 +64,13 @@ wxString TextOf(wxJSONValue const& value) {
 
 }  // namespace
 
-SocialMediaSignature::SocialMediaSignature(wxString file, wxString socName, wxString date, wxString featHash,
-                                           std::vector<int> feature, SMS_Type type)
-    : m_file(std::move(file)),
-      m_socialName(std::move(socName)),
-      m_featureHash(std::move(featHash)),
+SocialMediaSignature::SocialMediaSignature(wxString const& file, wxString const& socName, wxString const& date,
+                                           wxString const& featHash, std::vector<int> feature, SMS_Type type)
+    : m_file(file),
+      m_socialName(socName),
+      m_featureHash(featHash),
       m_feature(std::move(feature)),
-      m_date(std::move(date)),
+      m_date(date),
       m_type(type) {}
 
 SocialMediaSignature::SocialMediaSignature(wxString const& file, wxString const& socName, JpegInfo const& info,

@@ -43,8 +43,8 @@ public:
     // Empty texts, an empty vector; not valid.
     SocialMediaSignature() = default;
     // Stores what it is given and computes nothing.
-    SocialMediaSignature(wxString file, wxString socName, wxString date, wxString featHash, std::vector<int> feature,
-                         SMS_Type type);
+    SocialMediaSignature(wxString const& file, wxString const& socName, wxString const& date, wxString const& featHash,
+                         std::vector<int> feature, SMS_Type type);
     // Computes vector and hash of an image already analysed; `file` is read again for its markers and its thumbnail.
     // An empty `date` stands for today. A poor image gives zeros or a shorter vector, which IsValid refuses; nothing is
     // thrown for it. What the readers throw (ExifTool missing, a limit passed) passes through.
