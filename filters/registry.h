@@ -9,6 +9,21 @@
 // The numbers under which the filters are registered. Fixed: a new filter gets the next one.
 enum OrvFilterNumber : int {
     OrvFilterNumberOriginal = 0,
+    OrvFilterNumberFileFormat = 1,
+    OrvFilterNumberExif = 2,
+    OrvFilterNumberJpegStructure = 3,
+    OrvFilterNumberHexViewer = 4,
+    OrvFilterNumberErrorLevel = 5,
+    OrvFilterNumberNoiseMap = 6,
+    OrvFilterNumberChannels = 7,
+    OrvFilterNumberEqualisation = 8,
+    OrvFilterNumberHistogram = 9,
+    OrvFilterNumberJpegGhost = 10,
+    OrvFilterNumberDctHistogram = 11,
+    OrvFilterNumberJpegTables = 12,
+    OrvFilterNumberHuffmanTables = 13,
+    OrvFilterNumberDimples = 14,
+    OrvFilterNumberSocialMedia = 15,
 };
 
 // A filter and its number.
