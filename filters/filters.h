@@ -1,6 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // All of the concrete filters.
 #pragma once
+#include "filters/dimples.h"
+#include "filters/exif.h"
+#include "filters/fileformat.h"
+#include "filters/huffmantables.h"
+#include "filters/jpegtables.h"
 #include "filters/original.h"
 #include "filters/panelfactory.h"
 #include "filters/registry.h"
+#include "filters/socialmedia.h"
+#include "filters/tablefilter.h"
