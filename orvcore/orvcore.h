@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // All of the engine's public headers. Threads and ownership: as each header says.
 #pragma once
+#include "orvcore/batchprocessing.h"
+#include "orvcore/batchtable.h"
 #include "orvcore/command.h"
 #include "orvcore/commands.h"
 #include "orvcore/comparisontable.h"
@@ -13,6 +15,8 @@
 #include "orvcore/filterimage.h"
 #include "orvcore/filterplot.h"
 #include "orvcore/filtertext.h"
+#include "orvcore/genericaction.h"
+#include "orvcore/griffeyetable.h"
 #include "orvcore/imageinfotable.h"
 #include "orvcore/imagewarningrule.h"
 #include "orvcore/infotable.h"
@@ -24,9 +28,11 @@
 #include "orvcore/messagequeue.h"
 #include "orvcore/plotdata.h"
 #include "orvcore/project.h"
+#include "orvcore/reportstyle.h"
 #include "orvcore/smscollection.h"
 #include "orvcore/socialevaluation.h"
 #include "orvcore/socialmediasignature.h"
 #include "orvcore/socialmediatable.h"
 #include "orvcore/tablewriter.h"
+#include "orvcore/webmediasearch.h"
 #include "orvcore/workerthread.h"

@@ -29,7 +29,13 @@ constexpr std::array<TolLimitInfo, kCount> kInfos{{
     {"json-bytes", "bytes of a JSON text", 256 * kMiB},
     {"user-database-bytes", "bytes of a user's signature file", 256 * kMiB},
     {"pdf-objects", "objects of one PDF", 1000000},
-    {"download-bytes", "bytes of one web service's answer", 256 * kMiB},
+    {"download-bytes", "bytes of one file taken from the web", 256 * kMiB},
+    {"web-answer-bytes", "bytes of one web service's answer", 16 * kMiB},
+    {"web-seconds", "seconds of one web request", 60},
+    {"web-attempts", "attempts at one web request", 4},
+    {"web-backoff-milliseconds", "milliseconds before a second attempt", 1000},
+    {"web-threads", "web requests at the same time", 4},
+    {"web-photos", "photographs of one web search", 500},
 }};
 
 // 0 stands for the default, so that nothing has to run before the first use.

@@ -29,7 +29,13 @@ enum class TolLimit : int {
     JsonBytes,           // "json-bytes": a JSON text; 268,435,456
     UserDatabaseBytes,   // "user-database-bytes": a file of the user's own signatures; 268,435,456
     PdfObjects,          // "pdf-objects": objects looked at in one PDF; 1,000,000
-    DownloadBytes,       // "download-bytes": one answer of a web service; 268,435,456
+    DownloadBytes,       // "download-bytes": one file taken from the web; 268,435,456
+    WebAnswerBytes,      // "web-answer-bytes": one answer of a search service; 16,777,216
+    WebSeconds,          // "web-seconds": one request with its retries, or a download's silence; 60
+    WebAttempts,         // "web-attempts": how often one request is sent; 4
+    WebBackoffMs,        // "web-backoff-milliseconds": pause before the second attempt, doubled each time; 1,000
+    WebThreads,          // "web-threads": requests at the same time; 4
+    WebPhotos,           // "web-photos": photographs that one search looks at; 500
     Count                // how many there are; no limit itself
 };
 
