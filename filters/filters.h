@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // All of the concrete filters.
 #pragma once
+#include "filters/channels.h"
 #include "filters/dimples.h"
+#include "filters/equalisation.h"
 #include "filters/exif.h"
 #include "filters/fileformat.h"
+#include "filters/hexviewer.h"
 #include "filters/huffmantables.h"
+#include "filters/jpegstructure.h"
 #include "filters/jpegtables.h"
 #include "filters/original.h"
 #include "filters/panelfactory.h"
