@@ -48,10 +48,20 @@ wxString OrvBookmark::GetFilterName() const {
     return filter != nullptr ? filter->GetName() : m_unknownFilter;
 }
 
+wxString OrvBookmark::GetStatusText() const {
+    if (status >= 0 && status < statusCount) return statusTexts[status];
+    return m_unknownStatus.empty() ? wxString(statusTexts[OrvBookmarkUndefined]) : m_unknownStatus;
+}
+
+OrvBookmarkStatus OrvBookmark::StatusFromText(const wxString& text) {
+    for (int i = 0; i < statusCount; ++i) {
+        if (Serializer::AreNamesEquivalent(text, statusTexts[i])) return static_cast<OrvBookmarkStatus>(i);
+    }
+    return static_cast<OrvBookmarkStatus>(-1);
+}
+
 wxJSONValue OrvBookmark::WriteToJson(const wxString& projectFolder) const {
     const bool asRead = filter == nullptr && m_unknownParameters.IsValid();
-    const bool known = status >= 0 && status < statusCount;
-    const wxString unknown = m_unknownStatus.empty() ? wxString(statusTexts[OrvBookmarkUndefined]) : m_unknownStatus;
     wxJSONValue value(wxJSONTYPE_OBJECT);
     value["Name"] = ToJson<wxString>(name);
     value["evidence"] = ToJson<wxString>(FilenameAbsoluteToRelative(evidence, projectFolder));
@@ -59,7 +69,7 @@ wxJSONValue OrvBookmark::WriteToJson(const wxString& projectFolder) const {
     value["note"] = ToJson<wxString>(note);
     value["filter"] = ToJson<wxString>(GetFilterName());
     value["Parameters"] = asRead ? m_unknownParameters : parameters.WriteToJson();
-    value["status"] = ToJson<wxString>(known ? wxString(statusTexts[status]) : unknown);
+    value["status"] = ToJson<wxString>(GetStatusText());
     return value;
 }
 
@@ -74,14 +84,8 @@ void OrvBookmark::ReadFromJson(const wxJSONValue& value, const wxString& project
     ReadParameters(value.ItemAt("Parameters"));
 
     const wxString text = Text(value, "status");
-    status = static_cast<OrvBookmarkStatus>(-1);
-    m_unknownStatus = text;
-    for (int i = 0; i < statusCount; ++i) {
-        if (!Serializer::AreNamesEquivalent(text, statusTexts[i])) continue;
-        status = static_cast<OrvBookmarkStatus>(i);
-        m_unknownStatus.clear();
-        break;
-    }
+    status = StatusFromText(text);
+    m_unknownStatus = status < 0 ? text : wxString();
 }
 
 void OrvBookmark::ReadParameters(const wxJSONValue& value) {

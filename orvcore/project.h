@@ -35,6 +35,10 @@ public:
 
     // The filter's name, or the name that was read where no such filter is registered.
     wxString GetFilterName() const;
+    // The finding's text, or the text that was read where it is none of the four.
+    wxString GetStatusText() const;
+    // The finding that a text stands for, without regard to case, blanks, "_" and "-"; -1 for none.
+    static OrvBookmarkStatus StatusFromText(const wxString& text);
 
     using JsonObject::ReadFromJson;
     using JsonObject::WriteToJson;
@@ -82,6 +86,10 @@ public:
     void LoadProject(const wxString& path);
     // Writes the list to a file, which becomes the project's file.
     void SaveProject(const wxString& path);
+    // The page that GenerateReport writes; empty for a project without bookmarks.
+    wxString GetReportText() const;
+    // Where it writes it; empty for a project without bookmarks.
+    wxString GetReportPath() const;
     // Writes the list as an HTML page beside the project's file, or beside the first Evidence of an unsaved project,
     // and returns its path. An empty text, and no file, for a project without bookmarks.
     wxString GenerateReport() const;

@@ -58,14 +58,22 @@ wxString ReportPath(const wxString& project, const std::vector<OrvBookmark>& boo
 
 }  // namespace
 
-wxString OrvProject::GenerateReport() const {
+wxString OrvProject::GetReportText() const {
     if (m_bookmarks.empty()) return {};
     const wxString program = wxTheApp != nullptr ? wxTheApp->GetAppDisplayName() : wxString();
     wxString text = HtmlWriter::DoHeader("style.css", wxString()) +
                     HtmlWriter::DoH(1, Translated(wxString::Format("%s Report", program)), wxString());
     int number = 0;
     for (const OrvBookmark& bookmark : m_bookmarks) text += Section(bookmark, ToString<int>(++number));
-    const wxString path = ReportPath(m_filename, m_bookmarks);
-    WriteFile(path, text);
+    return text;
+}
+
+wxString OrvProject::GetReportPath() const {
+    return m_bookmarks.empty() ? wxString() : ReportPath(m_filename, m_bookmarks);
+}
+
+wxString OrvProject::GenerateReport() const {
+    const wxString path = GetReportPath();
+    if (!path.empty()) WriteFile(path, GetReportText());
     return path;
 }

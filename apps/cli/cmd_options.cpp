@@ -6,6 +6,7 @@
 #include "apps/cli/clicontext.h"
 #include "apps/cli/command.h"
 #include "apps/cli/failure.h"
+#include "apps/cli/parametertext.h"
 #include "apps/cli/plaintable.h"
 #include "apps/cli/recordrun.h"
 #include "apps/cli/session.h"
@@ -22,21 +23,6 @@ namespace {
 // A key is a secret: it is shown only to who asks for it by name.
 bool IsSecret(Parameter const& option) {
     return option.Name().EndsWith("API Key");
-}
-
-// What an option takes, in words.
-std::string Takes(Parameter const& option) {
-    if (option.GetType() == ParameterTypeOption) return "one of: " + ToUtf8(CatVecString(option.Strings(), ", "));
-    if (option.GetType() == ParameterTypeVectorString) return "one or more texts";
-    try {
-        // Past nine digits the bounds are those of the number's type.
-        const double most = option.GetMaximum();
-        const std::string range = ToUtf8(ToString(option.GetMinimum())) + " to " + ToUtf8(ToString(most));
-        if (option.Holds<double>()) return most < 1e9 ? "a number from " + range : "a number";
-        return most < 1e9 ? "a whole number from " + range : "a whole number";
-    } catch (TolException const&) {
-        return option.GetType() == ParameterTypeBool ? "true or false" : "a text";
-    }
 }
 
 struct Found {
@@ -104,14 +90,8 @@ void SetOption(Parameter& option, std::vector<std::string> const& values) {
         return;
     }
     if (values.size() != 1) refuse();
-    const wxString text = TextOf(values.front());
-    // A refused value and an equal one look alike; from another value on, an equal one does not.
-    Parameter fresh = option;
-    if (fresh.SetString(text)) {
-        option = fresh;
-        return;
-    }
-    if (text != option.ToText() && text != option.ToReport()) refuse();
+    TextOf(values.front());
+    if (!SetParameter(option, values.front())) refuse();
 }
 
 class OptionsCommand : public Command {

@@ -38,8 +38,10 @@ struct CommandEntry {
 // In the order of the help.
 std::vector<CommandEntry> const& AllCommands();
 
+std::unique_ptr<Command> MakeBookmarkCommand();
 std::unique_ptr<Command> MakeInfoCommand();
 std::unique_ptr<Command> MakeOptionsCommand();
+std::unique_ptr<Command> MakeProjectCommand();
 std::unique_ptr<Command> MakeQtCommand();
 
 }  // namespace cli
