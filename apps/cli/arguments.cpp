@@ -52,6 +52,16 @@ CLI::Option* AddList(CLI::App& app, std::string const& name, std::vector<std::st
     return option;
 }
 
+CLI::Option* AddEach(CLI::App& app, std::string const& name, std::vector<std::string>& values,
+                     std::string const& help) {
+    const auto take = [&values](CLI::results_t const& results) {
+        values.clear();
+        std::transform(results.begin(), results.end(), std::back_inserter(values), Revealed);
+        return true;
+    };
+    return app.add_option(name, take, help)->type_name("TEXT")->type_size(1)->expected(1)->take_all();
+}
+
 CLI::Option* AddChoice(CLI::App& app, std::string const& name, std::string& value,
                        std::vector<std::string> const& words, std::string const& help) {
     std::string list;

@@ -17,6 +17,8 @@ CLI::Option* AddText(CLI::App& app, std::string const& name, std::string& value,
 // A list of at least `least` values, an option's or all remaining arguments.
 CLI::Option* AddList(CLI::App& app, std::string const& name, std::vector<std::string>& values, int least,
                      std::string const& help);
+// An option that may be given several times, with one value each time.
+CLI::Option* AddEach(CLI::App& app, std::string const& name, std::vector<std::string>& values, std::string const& help);
 // An option that takes one of the words.
 CLI::Option* AddChoice(CLI::App& app, std::string const& name, std::string& value,
                        std::vector<std::string> const& words, std::string const& help);

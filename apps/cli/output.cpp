@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -23,6 +25,15 @@ constexpr size_t BufferSize = 64 * 1024;
 std::string FolderOf(std::string const& path) {
     const size_t slash = path.rfind('/');
     return slash == std::string::npos ? "" : path.substr(0, slash + 1);
+}
+
+// With its point; empty for what is none that a program goes by.
+std::string EndingOf(std::string const& path) {
+    const size_t point = path.find_last_of("./");
+    if (point == std::string::npos || path[point] == '/') return "";
+    const std::string ending = path.substr(point);
+    const bool plain = std::all_of(ending.begin() + 1, ending.end(), [](unsigned char c) { return std::isalnum(c); });
+    return plain && ending.size() <= 9 ? ending : "";
 }
 
 }  // namespace
@@ -55,8 +66,9 @@ void Output::OpenFile(bool force) {
         }
         if (!force) throw Failure(ExitOutput, m_path, "exists (--force replaces it)");
     }
-    std::string name = FolderOf(m_path) + ".orvelle-XXXXXX";
-    m_descriptor = mkostemp(name.data(), O_CLOEXEC);
+    const std::string ending = EndingOf(m_path);
+    std::string name = FolderOf(m_path) + ".orvelle-XXXXXX" + ending;
+    m_descriptor = mkostemps(name.data(), static_cast<int>(ending.size()), O_CLOEXEC);
     if (m_descriptor < 0) Fail(std::strerror(errno));
     m_temporary = name;
     SetFileToRemove(m_temporary);

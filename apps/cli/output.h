@@ -21,6 +21,10 @@ public:
     // Gathered, and handed on by Flush or when much has come together. Throws Failure (ExitOutput).
     void Write(std::string_view bytes);
     void Flush();
+    // For a writer that wants a path instead of Write: the file beside, whose ending is that of the final name. It may
+    // be replaced by another one of that name, which then is what Commit puts into place. Empty for standard output and
+    // for a device.
+    std::string const& Beside() const { return m_temporary; }
     // Puts a file into its place. Throws Failure (ExitOutput).
     void Commit();
 

@@ -154,6 +154,7 @@ bool Session::Await(std::unique_ptr<OrvCommand> command) {
     while (!aborted || waited < AbortPatience) {
         const std::unique_ptr<wxEvent> event = m_sink->Wait(SignalPoll);
         wxLog::FlushActive();
+        if (m_waiting) m_waiting();
         if (event && event->GetId() == id) {
             if (!IsInterrupted()) return true;
             Respond();

@@ -3,8 +3,10 @@
 // hand-shake of one command and one event at a time.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "apps/cli/command.h"
 
@@ -34,6 +36,9 @@ public:
     // wherever the settings have it. The settings themselves stay as they are.
     void KeepNoCopies();
 
+    // Called on the main thread, some times a second, while a command is waited for.
+    void SetWaiting(std::function<void()> waiting) { m_waiting = std::move(waiting); }
+
     // Posts the command, waits for its event and, with the worker waiting in turn, calls `read`; then lets the worker
     // go. False if the person has interrupted meanwhile: `read` is not called then.
     template <class Read>
@@ -57,6 +62,7 @@ private:
     std::unique_ptr<EventSink> m_sink;
     CliContext* m_context = nullptr;  // the interface owns it
     std::unique_ptr<OrvInterface> m_interface;
+    std::function<void()> m_waiting;
     bool m_settingsSound = true;
     bool m_busy = false;
 };

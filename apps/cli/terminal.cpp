@@ -77,6 +77,13 @@ void Terminal::Progress(size_t done, size_t total, std::string_view path) {
     m_progressShown = true;
 }
 
+void Terminal::Status(std::string_view text) {
+    if (!m_errorIsTerminal || m_quiet || (m_progressShown && text == m_status)) return;
+    m_status = text;
+    static_cast<void>(WriteAll(STDERR_FILENO, "\r\x1b[K" + Shortened(Printable(text), 76)));
+    m_progressShown = true;
+}
+
 void Terminal::ClearProgress() {
     if (!m_progressShown) return;
     m_progressShown = false;

@@ -29,6 +29,8 @@ public:
 
     // One line that is written over and over; only on a terminal and not with --quiet.
     void Progress(size_t done, size_t total, std::string_view path);
+    // The same for one long piece of work: what is being done.
+    void Status(std::string_view text);
     void ClearProgress();
 
     // Colours for standard output: a terminal, and NO_COLOR is unset or empty.
@@ -42,6 +44,7 @@ private:
     bool m_errorIsTerminal;
     bool m_colour;
     std::atomic<bool> m_progressShown{false};  // messages may come from the worker
+    std::string m_status;                      // as last shown
 };
 
 // Writes all of `bytes` to a descriptor; false, with errno, if that fails.
