@@ -19,9 +19,9 @@ struct CoefficientPeriod {
     double period = 0.0;    // values from one peak to the next; 0 for none
 };
 
-// How strongly the counts of the values beside 0 repeat. Both signs are taken together, the smooth trend is divided out,
-// and the strength is the greatest magnitude of the discrete Fourier transform at periods from 2 to 16, as a share of
-// what a comb of single peaks would give. Nothing where fewer than 32 values beside 0 are frequent enough to tell.
+// How strongly the counts of the values beside 0 repeat. Both signs are taken together, the smooth trend is divided
+// out, and the strength is the greatest magnitude of the discrete Fourier transform at periods from 2 to 16, as a share
+// of what a comb of single peaks would give. Nothing where fewer than 32 values beside 0 are frequent enough to tell.
 // `counts` as CountCoefficients gives them.
 ORV_API CoefficientPeriod FindCoefficientPeriod(std::vector<float> const& counts);
 

@@ -8,9 +8,9 @@
 #include "orvcore/filterimage.h"
 #include "tolbase/export.h"
 
-// The absolute difference, channel by channel, between an 8-bit picture of 1 or 3 channels and what saving it as JPEG of
-// `quality` (1 to 100, without chroma subsampling) makes of it. Same size and channels; empty once the user has aborted.
-// Throws TolException for another kind of picture.
+// The absolute difference, channel by channel, between an 8-bit picture of 1 or 3 channels and what saving it as JPEG
+// of `quality` (1 to 100, without chroma subsampling) makes of it. Same size and channels; empty once the user has
+// aborted. Throws TolException for another kind of picture.
 ORV_API cv::Mat CalculateErrorLevel(cv::Mat const& picture, int quality);
 
 class ORV_API OrvFilterErrorLevel : public OrvFilterImage {
