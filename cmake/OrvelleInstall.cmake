@@ -45,4 +45,12 @@ string(APPEND ORV_PC_LIBS " -lopencv_core -lopencv_imgproc")
 file(RELATIVE_PATH ORV_PC_UP "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 configure_file(cmake/orvcore.pc.in "${PROJECT_BINARY_DIR}/orvcore.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/orvcore.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+# What the looks of reports are taken from; also where the programs of a build look for it.
+set(orv_report_style "${PROJECT_SOURCE_DIR}/data/report-style/style.css"
+  "${PROJECT_SOURCE_DIR}/data/report-style/head.html")
+install(FILES ${orv_report_style} DESTINATION "${CMAKE_INSTALL_DATADIR}/orvelle/report-style" COMPONENT runtime)
+foreach(orv_file IN LISTS orv_report_style)
+  get_filename_component(orv_name "${orv_file}" NAME)
+  configure_file("${orv_file}" "${PROJECT_BINARY_DIR}/share/orvelle/report-style/${orv_name}" COPYONLY)
+endforeach()
 install(FILES LICENSE README.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT runtime)

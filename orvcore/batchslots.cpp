@@ -40,6 +40,7 @@ OrvSlotKeeper::OrvSlotKeeper() {
 OrvSlotKeeper::~OrvSlotKeeper() {
     if (m_restored) return;
     try {
+        tcvDeinitProgress2();
         Restore();
     } catch (...) {
         // An exception is on its way already.

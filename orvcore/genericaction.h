@@ -20,7 +20,7 @@ enum OrvActionId : int {
     // Files joined by "|" or a folder, [path of the table], [folder for clean files], [folder for flagged files],
     // [bool: save the status alone]. See ImageInfoTableBatch
     OrvActionBatchTable = 5,
-    OrvActionMultiComparison = 6,   // as the first of action 5. See ImageInfoTableMultiComparison
+    OrvActionMultiComparison = 6,   // a folder. See ImageInfoTableMultiComparison
     OrvActionDownloadImages = 7,    // list of ids and links, folder. See DownloadImageFromWeb
     OrvActionBatchProcessing = 8,   // see OrvBatchProcessing
     OrvActionGriffeyeAnalysis = 9,  // map whose keys are the files; identifiers come from the context's batch file map

@@ -10,6 +10,7 @@
 #include "tolbase/htmlwriter.h"
 #include "tolbase/image.h"
 #include "tolbase/json.h"
+#include "tolbase/jsonalg.h"
 #include "tolbase/jsonobject.h"
 #include "tolbase/limits.h"
 #include "tolbase/namevaluedesc.h"
