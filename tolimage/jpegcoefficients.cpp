@@ -34,7 +34,6 @@ struct ErrorTrap {
     bool aborted = false;
 };
 
-extern "C" {
 void OnCoefficientError(j_common_ptr info) {
     auto* trap = reinterpret_cast<ErrorTrap*>(info->err);
     trap->code = info->err->msg_code;
@@ -68,7 +67,6 @@ void OnCoefficientProgress(j_common_ptr info) {
     bool const endless = reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > kMaxScans;
     if (endless) std::snprintf(trap->remark, sizeof trap->remark, "more than %d scans", kMaxScans);
     if (trap->aborted || endless) std::longjmp(trap->back, 1);
-}
 }
 
 [[noreturn]] void Fail(int line, wxString const& message) {

@@ -39,7 +39,6 @@ struct Target {
     size_t size = 0;
 };
 
-extern "C" {
 void OnError(j_common_ptr info) {
     auto* trap = reinterpret_cast<ErrorTrap*>(info->err);
     info->err->format_message(info, trap->remark);
@@ -67,7 +66,6 @@ boolean OnTargetFull(j_compress_ptr encoder) {
 void OnTargetEnd(j_compress_ptr encoder) {
     auto* target = reinterpret_cast<Target*>(encoder->dest);
     target->size = target->capacity - target->manager.free_in_buffer;
-}
 }
 
 [[noreturn]] void Fail(int line, wxString const& message) {
