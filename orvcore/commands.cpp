@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "orvcore/commands.h"
 
-#include <wx/dir.h>
 #include <wx/filename.h>
 
 #include "orvcore/filter.h"
+#include "orvcore/filtercache.h"
 #include "tolbase/exception.h"
 #include "tolbase/file.h"
 #include "tolimage/pdfimages.h"
@@ -107,7 +107,7 @@ OrvCommandDeleteCache::OrvCommandDeleteCache(OrvFileId fileId)
 
 void OrvCommandDeleteCache::Execute() {
     const wxString folder = IsSlot(m_fileId) ? wxPathOnly(GetContext()->GetOutputBasePath(m_fileId)) : wxString();
-    if (!folder.empty() && wxDirExists(folder)) wxDir::Remove(folder, wxPATH_RMDIR_RECURSIVE);
+    filtercache::DeleteFolder(folder);
     for (OrvFilter* filter : GetContext()->GetFilters()) {
         for (OrvFilterConfiguration& configuration : filter->GetConfigurationsNoConst()) {
             configuration.SetFilterStatus(OrvFilterConfiguration::NotCalculated);

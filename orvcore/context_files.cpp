@@ -13,6 +13,7 @@
 
 #include "orvcore/context.h"
 #include "orvcore/fileslot.h"
+#include "orvcore/filtercache.h"
 #include "orvcore/translate.h"
 #include "tolbase/exception.h"
 #include "tolbase/file.h"
@@ -97,11 +98,9 @@ bool WriteAll(int target, char const* bytes, size_t size) {
     return true;
 }
 
-bool CopyBytes(std::string const& source, std::string const& target) {
+bool CopyBytes(std::string const& source, Descriptor& out) {
     Descriptor const in(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (in.Get() < 0) return false;
-    Descriptor out(::open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    if (out.Get() < 0) return false;
     std::vector<char> block(kCopyBlock);
     for (;;) {
         ssize_t const count = ::read(in.Get(), block.data(), block.size());
@@ -218,16 +217,19 @@ void OrvContext::SetBasePath(OrvFileId id, wxString hash) {
     slot.outputBasePath = base + wxFILE_SEP_PATH + name + "-" + hash + wxFILE_SEP_PATH + name;
     wxString const copy = wxPathOnly(slot.outputBasePath) + wxFILE_SEP_PATH + ::GetFilenameNoPath(slot.filename);
     if (!wxFileExists(copy)) CopyToCache(slot.filename, copy);
+    filtercache::Refresh(id, m_filters, m_cacheEnabled);
 }
 
 // A cache that can't be written is no failure of the load. The copy appears whole or not at all.
 void OrvContext::CopyToCache(wxString const& source, wxString const& copy) const {
     wxString const folder = wxPathOnly(copy);
-    if (!CreateDirIfNotExists(folder)) return;
+    // A link that somebody put there may lead anywhere.
+    if (filtercache::IsLink(folder) || !CreateDirIfNotExists(folder)) return;
     // Its name is short whatever the file's own length, and no other process has it.
-    std::string const temporary = PathToBytes(folder) + "/.copy-" + std::to_string(::getpid());
-    std::remove(temporary.c_str());
-    if (!CopyBytes(PathToBytes(source), temporary) || std::rename(temporary.c_str(), PathToBytes(copy).c_str()) != 0) {
+    std::string temporary;
+    Descriptor target(filtercache::CreateCopyFile(PathToBytes(folder), temporary));
+    if (target.Get() < 0) return;
+    if (!CopyBytes(PathToBytes(source), target) || std::rename(temporary.c_str(), PathToBytes(copy).c_str()) != 0) {
         std::remove(temporary.c_str());
     }
 }

@@ -4,6 +4,7 @@
 
 #include "orvcore/context.h"
 #include "orvcore/filter.h"
+#include "orvcore/filtercache.h"
 #include "orvcore/translate.h"
 #include "tolbase/serializer.h"
 #include "tolbase/text.h"
@@ -64,9 +65,18 @@ void OrvContext::SetImageToSave(Image const& image) {
 }
 
 void OrvContext::UpdateFiltersStatus() {
+    wxString folder = wxPathOnly(GetOutputBasePath(Evidence));
+    filtercache::Stamp stamp(folder);
     for (OrvFilter* filter : m_filters) {
         for (OrvFilterConfiguration& configuration : filter->GetConfigurationsNoConst()) {
-            configuration.UpdateFilterStatus(filter->GetStatusFilename(Evidence, configuration));
+            wxString const path = filter->GetStatusFilename(Evidence, configuration);
+            if (wxPathOnly(path) != folder) {
+                folder = wxPathOnly(path);
+                stamp = filtercache::Stamp(folder);
+            }
+            configuration.UpdateFilterStatus(path);
+            // What other versions found out is not told either.
+            if (!stamp.Covers(*filter)) configuration.SetFilterStatus(OrvFilterConfiguration::NotCalculated);
         }
     }
 }

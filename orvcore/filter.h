@@ -153,6 +153,9 @@ public:
     bool IsFileChanged(OrvFileId id) const { return m_fileChanged[id]; }
     // True if the last run reloaded the result of the slot.
     bool ConfiguredFromCache(OrvFileId id) const { return m_configuredFromCache[id]; }
+    // Why the last run could not store what it calculated, as a sentence for the user; empty if it could, or was not
+    // meant to. The result itself stands all the same.
+    wxString GetCacheMessage() const { return m_cacheMessage; }
     wxString GetErrorMessage() const { return m_errorMessage; }
     void SetErrorMessage(const wxString& message) { m_errorMessage = message; }
 
@@ -160,6 +163,9 @@ public:
 
     // GetCacheFilenameCustom for the present input parameters.
     wxString GetCacheFilename(OrvFileId id) const;
+    // What the names of all status files of the filter begin with in a slot's folder; empty for a filter that names its
+    // results in its own way.
+    wxString GetStatusPrefix(OrvFileId id) const;
     // Full name of the status file of a slot for given parameters.
     wxString GetStatusFilename(OrvFileId id, const VecParameter& parameters) const;
     // The file name, without a folder, that is proposed for the result.
@@ -202,6 +208,8 @@ public:
     wxString GetDescription() const { return m_description; }
     // Counts the filters of the process, from 1.
     uint64_t GetFilterId() const { return m_filterId; }
+    // The version of the calculation: cached results of another one are made anew.
+    int GetVersion() const { return m_version; }
     FilterType GetAnalysisType() const { return m_filterType; }
     wxString GetAnalysisTypeString() const;
     bool IsOnlyForJpeg() const { return m_onlyForJpeg; }
@@ -224,8 +232,10 @@ public:
 protected:
     // Takes the status of the slot, and its result, from the cache; false if that has none.
     bool LoadStatus(OrvFileId id);
-    // Stores the result of the slot and then its status file.
+    // Stores the result of the slot and then its status file. Where that can't be done the slot has no status file.
     void SaveStatus(OrvFileId id) const;
+    // Called from SaveCache where the result can't be stored: no status file will promise it.
+    void FailCache() const { m_cacheFailed = true; }
     // The default list: every combination of the values of up to four input parameters.
     void CalculateConfigurationsDefault();
 
@@ -255,6 +265,8 @@ protected:
     wxString m_name;
     uint64_t m_filterId = 0;
     OrvFilterGuiBase* m_gui = nullptr;
+    // To be raised by a concrete filter with any change that lets it give other results.
+    int m_version = 1;
     // Beside m_lastFilename: where the slot's results go, which tells two contents under one path apart.
     wxString m_lastBasePath[2];
 
@@ -273,6 +285,13 @@ private:
     void RunSlots(RunState& run);
     void RunSlot(OrvFileId id, RunState& run);
     bool ObtainResult(OrvFileId id, RunState& run);
+    bool Calculate(OrvFileId id, RunState& run);
+    bool ShowReloaded(OrvFileId id);
+    bool IsReloadable(OrvFileId id) const;
+    bool StoreResult(OrvFileId id, const wxString& path) const;
     void FinishRun(const RunState& run);
     wxWindow* GetPanelWindow() const;
+
+    mutable bool m_cacheFailed = false;
+    mutable wxString m_cacheMessage;
 };

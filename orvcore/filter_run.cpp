@@ -9,6 +9,8 @@
 
 #include "orvcore/command.h"
 #include "orvcore/filter.h"
+#include "orvcore/filtercache.h"
+#include "orvcore/translate.h"
 #include "tolbase/exception.h"
 #include "tolbase/file.h"
 #include "tolbase/progress.h"
@@ -77,6 +79,7 @@ void OrvFilter::Configure(const VecParameter& input, const VecParameter& postPro
     ShowProgress(m_name, input);
     FindActiveConfiguration(input);
     std::fill(std::begin(m_configuredFromCache), std::end(m_configuredFromCache), false);
+    m_cacheMessage.clear();
     DetectChanges(run);
     TakeParameters(input, postProcessing, run);
     if (m_fileChanged[Evidence] || m_fileChanged[Reference] || m_filterChanged) {
@@ -128,9 +131,27 @@ void OrvFilter::RunSlot(OrvFileId id, RunState& run) {
     if (m_needsReprocessing || m_fileChanged[id] || run.parametersChanged || run.patternChanged) {
         clearOutput();
         if (!ObtainResult(id, run) || run.failed) return;
+        if (m_configuredFromCache[id]) {
+            if (ShowReloaded(id)) return;
+            if (!Calculate(id, run) || run.failed) return;
+        }
         Apply2NoCache(id);
     }
     if (!run.failed) ApplyPostProcessing(id);
+}
+
+// The last steps on a reloaded result. False if they can't be done: a file in the cache may be sound and yet be nothing
+// that this filter gives.
+bool OrvFilter::ShowReloaded(OrvFileId id) {
+    try {
+        Apply2NoCache(id);
+        ApplyPostProcessing(id);
+        return true;
+    } catch (const std::exception&) {
+        m_configuredFromCache[id] = false;
+        m_status[id] = FilterStatus::NotCalculated;
+        return false;
+    }
 }
 
 // Reloads the result of a slot, declares the slot unsupported, or calculates. False after an abort.
@@ -146,6 +167,11 @@ bool OrvFilter::ObtainResult(OrvFileId id, RunState& run) {
         SaveStatus(id);
         return true;
     }
+    return Calculate(id, run);
+}
+
+// False after an abort.
+bool OrvFilter::Calculate(OrvFileId id, RunState& run) {
     Apply(id);
     if (tcvHasAborted()) {
         run.failed = true;
@@ -181,15 +207,22 @@ void OrvFilter::PostApply() {
 }
 
 void OrvFilter::ResetStatus(OrvFileId id) {
-    const wxString path = GetStatusFilename(id, m_parametersInput);
-    if (wxFileName::FileExists(path)) wxRemoveFile(path);
+    filtercache::RemoveFile(GetStatusFilename(id, m_parametersInput));
     m_needsReprocessing = true;
     Configure(VecParameter(m_parametersInput), VecParameter(m_parametersPostProcessing));
 }
 
+// True if the slot's folder has a status file that tells of a result of this very version.
+bool OrvFilter::IsReloadable(OrvFileId id) const {
+    const wxString path = GetStatusFilename(id, m_parametersInput);
+    return filtercache::IsPlainFile(path) && filtercache::Stamp(wxPathOnly(path)).Covers(*this);
+}
+
 bool OrvFilter::LoadStatus(OrvFileId id) {
     const wxString path = GetStatusFilename(id, m_parametersInput);
-    if (!wxFileName::FileExists(path)) return false;
+    if (!filtercache::IsPlainFile(path)) return false;
+    const filtercache::FolderLock lock(wxPathOnly(path), filtercache::FolderLock::Shared);
+    if (!lock.IsHeld() || !IsReloadable(id)) return false;
     const FilterStatus status = OrvFilterConfiguration::GetStatusFromFile(path);
     if (status != FilterStatus::Unsupported) {
         try {
@@ -203,15 +236,31 @@ bool OrvFilter::LoadStatus(OrvFileId id) {
     return true;
 }
 
+// The caller holds the folder's lock. False where a status would promise what is not there.
+bool OrvFilter::StoreResult(OrvFileId id, const wxString& path) const {
+    const bool prepared = filtercache::Prepare(wxPathOnly(path), *this, GetStatusPrefix(id));
+    // From here on until the result stands whole no status promises it.
+    if (!prepared || !filtercache::RemoveFile(path)) return false;
+    m_cacheFailed = false;
+    SaveCache(id);
+    return !m_cacheFailed;
+}
+
 void OrvFilter::SaveStatus(OrvFileId id) const {
     const wxString path = GetStatusFilename(id, m_parametersInput);
-    if (m_status[id] != FilterStatus::Unsupported) {
-        // From here on until the result stands whole no status promises it.
-        if (wxFileName::FileExists(path)) wxRemoveFile(path);
-        SaveCache(id);
-    }
-    CreateDirIfNotExists(wxPathOnly(path));
-    WriteFileAtomically(path, std::string(GetStatusString(id).utf8_str()));
+    const wxString folder = wxPathOnly(path);
+    CreateDirIfNotExists(folder);
+    const filtercache::FolderLock lock(folder, filtercache::FolderLock::Exclusive);
+    bool stored = lock.IsHeld();
+    if (m_status[id] != FilterStatus::Unsupported) stored = stored && StoreResult(id, path);
+    const std::string status(GetStatusString(id).utf8_str());
+    if (stored && filtercache::WriteWholeFile(path, status, filtercache::Sync::Yes)) return;
+    m_cacheMessage = wxString::Format(OrvTranslate("The result can't be stored in the cache folder %s."), folder);
+}
+
+wxString OrvFilter::GetStatusPrefix(OrvFileId id) const {
+    if (GetCacheFilename(id) != OrvFilter::GetCacheFilenameCustom(id, m_parametersInput)) return {};
+    return (GetContext()->GetOutputBasePath(id) + "-" + GetName()).AfterLast(wxFILE_SEP_PATH);
 }
 
 wxString OrvFilter::GetCacheFilenameCustom(OrvFileId id, const VecParameter& parameters) const {

@@ -6,8 +6,10 @@
 #include <wx/filename.h>
 
 #include <algorithm>
+#include <string>
 
 #include "orvcore/context.h"
+#include "orvcore/filtercache.h"
 #include "tolbase/file.h"
 #include "tolbase/htmlwriter.h"
 #include "tolimage/imageio.h"
@@ -32,8 +34,21 @@ Image FitReport(Image const& picture, int least, int greatest) {
     return picture.Resize(cvSize(width, height), Cubic, false);
 }
 
-void RemoveIfExists(wxString const& path) {
-    if (wxFileExists(path)) wxRemoveFile(path);
+// True if a PNG gives the very picture back.
+bool IsKeptByPng(Image const& picture) {
+    int const depth = static_cast<_IplImage const*>(picture)->depth;
+    return (depth == IPL_DEPTH_8U || depth == static_cast<int>(IPL_DEPTH_16U)) && picture.Channels() != 2 && picture.Channels() <= 4;
+}
+
+// Packing would take longer than many a calculation, and unpacking as long: speed is what the cache is for.
+bool SavePicture(wxString const& path, Image const& picture) {
+    bool const png = path.EndsWith(".png");
+    if (png && !IsKeptByPng(picture)) return false;
+    std::string bytes;
+    int const quality = GetContext()->GetJpgQuality();
+    if (!tcvEncodeImage(path.AfterLast('.'), picture, quality, ImagePacking::Fast, bytes)) return false;
+    // A PNG that a power failure has cut off is told by its checksums.
+    return filtercache::WriteWholeFile(path, bytes, png ? filtercache::Sync::No : filtercache::Sync::Yes);
 }
 
 }  // namespace
@@ -66,6 +81,7 @@ void OrvFilterImage::CopyFrom(OrvFilterImage const& other) {
         to = shared;
     };
     m_outputBatchSize = other.m_outputBatchSize;
+    m_outputHasInputSize = other.m_outputHasInputSize;
     for (int id : {Evidence, Reference}) {
         m_outputImage[id] = other.m_outputImage[id];
         m_outputImagePostProcessing[id] = other.m_outputImagePostProcessing[id];
@@ -169,8 +185,15 @@ bool OrvFilterImage::LoadCache(OrvFileId id) {
     wxString const base = GetCacheFilename(id);
     wxString const path = base + (wxFileExists(base + ".png") ? ".png" : ".jpg");
     if (!wxFileExists(path)) return false;
-    m_outputImage[id] = Image(tcvLoadImage(path, true, true));
-    return m_outputImage[id].IsOk();
+    m_outputImage[id] = Image();
+    if (!filtercache::IsWholePicture(path)) return false;
+    Image const loaded(tcvLoadImage(path, true, true));
+    // A remark is that of a decoder that made up what a damaged file lacks.
+    if (!loaded.IsOk() || !tcvLastLoadWarning().empty()) return false;
+    CvSize const size = GetInputImage(id).Size();
+    if (m_outputHasInputSize && (loaded.Width() != size.width || loaded.Height() != size.height)) return false;
+    m_outputImage[id] = loaded;
+    return true;
 }
 
 void OrvFilterImage::SaveCache(OrvFileId id) const {
@@ -178,9 +201,10 @@ void OrvFilterImage::SaveCache(OrvFileId id) const {
     wxString const path = base + GetCacheExtension();
     CreateDirIfNotExists(wxPathOnly(path));
     Image const& picture = m_outputImage[id];
-    bool const saved = picture.IsOk() && tcvSaveImage(path, picture, GetContext()->GetJpgQuality());
+    bool const saved = picture.IsOk() && SavePicture(path, picture);
+    if (picture.IsOk() && !saved) FailCache();
     // An older result must not be taken for this one: loading looks for both formats.
     for (char const* extension : {".png", ".jpg"}) {
-        if (!saved || base + extension != path) RemoveIfExists(base + extension);
+        if ((!saved || base + extension != path) && !filtercache::RemoveFile(base + extension)) FailCache();
     }
 }

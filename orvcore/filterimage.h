@@ -80,6 +80,9 @@ protected:
     void ResetOutput(OrvFileId id);
 
     int m_outputBatchSize = 0;
+    // To be set by a filter whose output always has the size of its input: a cached picture of another size is then
+    // none of its results.
+    bool m_outputHasInputSize = false;
     Image m_outputImage[2];
     Image m_outputImagePostProcessing[2];
     Image m_inputImageDisplayed[2];

@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "orvcore/filtercache.h"
 #include "orvcore/filterplot.h"
 #include "orvcore/plotnumber.h"
 #include "tolbase/file.h"
@@ -110,10 +111,6 @@ void TakeWords(std::vector<double> const& words, OrvPlotData& data) {
     }
 }
 
-void RemoveIfExists(wxString const& path) {
-    if (wxFileExists(path)) wxRemoveFile(path);
-}
-
 }  // namespace
 
 bool OrvFilterPlot::SavePlotData(OrvPlotData const& data, wxString& text, double** buffer, std::uint64_t* bytes) const {
@@ -155,6 +152,8 @@ void OrvFilterPlot::SaveCache(OrvFileId id) const {
     CreateDirIfNotExists(wxPathOnly(textPath));
     wxMutexLocker const lock(m_plotMutex[id]);
     OrvPlotData const& data = m_plotData[id];
+    using filtercache::Sync;
+    using filtercache::WriteWholeFile;
     wxString text;
     double* buffer = nullptr;
     std::uint64_t bytes = 0;
@@ -162,12 +161,14 @@ void OrvFilterPlot::SaveCache(OrvFileId id) const {
     std::unique_ptr<double[]> const owned(buffer);
     if (saved) {
         std::string const words(reinterpret_cast<char const*>(owned.get()), bytes);
-        saved = WriteFileAtomically(textPath, std::string(text.utf8_str())) && WriteFileAtomically(binaryPath, words);
+        saved = WriteWholeFile(textPath, std::string(text.utf8_str()), Sync::No) &&
+                WriteWholeFile(binaryPath, words, Sync::Yes);
+        if (!saved) FailCache();
     }
     // What an older run left must not be taken for this result.
     if (!saved) {
-        RemoveIfExists(binaryPath);
-        RemoveIfExists(textPath);
+        bool const removed = filtercache::RemoveFile(binaryPath);
+        if (!filtercache::RemoveFile(textPath) || !removed) FailCache();
     }
 }
 
@@ -186,7 +187,7 @@ bool OrvFilterPlot::LoadPlotData(wxFFile& file, OrvPlotData& data) const {
 
 bool OrvFilterPlot::LoadCache(OrvFileId id) {
     wxString const path = GetCacheFilename(id) + ".binary";
-    if (!wxFileExists(path)) return false;
+    if (!filtercache::IsPlainFile(path)) return false;
     auto const data = GetPlotData(id);
     wxLogNull const noLog;
     wxFFile file(path, "rb");

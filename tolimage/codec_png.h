@@ -13,6 +13,7 @@ namespace codec {
 Image DecodePng(ByteView file);
 void ProbePng(ByteView file, ImageProbe& probe);
 // One to four channels of 8 or 16 bits.
-bool EncodePng(cv::Mat const& picture, std::string& bytes);
+// Not packed: larger, and several times as fast to write and to read.
+bool EncodePng(cv::Mat const& picture, std::string& bytes, bool packed = true);
 
 }  // namespace codec

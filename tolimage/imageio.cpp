@@ -149,7 +149,6 @@ Image OwnThumbnail(ByteView file) {
 }
 
 bool Encode(wxString const& extension, Image const& image, int quality, std::string& bytes) {
-    if (extension == "png") return codec::EncodePng(image, bytes);
     if (extension == "tif" || extension == "tiff") return codec::EncodeTiff(image, bytes);
     if (extension == "bmp") return codec::EncodeBmp(Normalise(image), bytes);
     if (extension == "webp") return codec::EncodeWebP(image.To8Bit(), quality, bytes);
@@ -214,14 +213,26 @@ _IplImage* tcvLoadThumbnail(wxString const& path) {
     return image.Release();
 }
 
-bool tcvSaveImage(wxString const& path, _IplImage const* image, int quality) {
+bool tcvEncodeImage(wxString const& format, _IplImage const* image, int quality, ImagePacking packing,
+                    std::string& bytes) {
     try {
         if (image == nullptr || image->imageData == nullptr) return false;
-        const wxString extension = path.AfterLast('/').AfterLast('.').Lower();
+        const wxString extension = format.Lower();
         const bool keepDeep = extension == "png" || extension == "tif" || extension == "tiff";
+        const Image savable = Savable(image, keepDeep);
+        if (extension == "png") return codec::EncodePng(savable, bytes, packing == ImagePacking::Small);
+        return Encode(extension, savable, std::clamp(quality, 1, 100), bytes);
+    } catch (std::exception const&) {
+        return false;
+    }
+}
+
+bool tcvSaveImage(wxString const& path, _IplImage const* image, int quality) {
+    try {
         std::string bytes;
-        if (!Encode(extension, Savable(image, keepDeep), std::clamp(quality, 1, 100), bytes)) return false;
-        return WriteFileAtomically(path, bytes);
+        const wxString extension = path.AfterLast('/').AfterLast('.');
+        return tcvEncodeImage(extension, image, quality, ImagePacking::Small, bytes) &&
+               WriteFileAtomically(path, bytes);
     } catch (std::exception const&) {
         return false;
     }

@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "tolbase/export.h"
 #include "tolbase/image.h"
@@ -45,6 +46,14 @@ ORV_API _IplImage* tcvLoadThumbnail(wxString const& path);
 // TIFF; what a format can't hold is converted as Image::To8Bit and ToColor do. The file is written beside its place and
 // renamed, so that an old one is whole until then. False if that can't be done; never throws.
 ORV_API bool tcvSaveImage(wxString const& path, _IplImage const* image, int quality);
+
+// How much work the encoder puts into a small file. Fast matters for PNG alone, which is then stored unpacked: about as
+// large as its pixels, and written and read several times as fast.
+enum class ImagePacking { Small, Fast };
+// The bytes that tcvSaveImage writes for a format given by its extension ("png"). False if the format can't be written
+// or the picture not be encoded; never throws.
+ORV_API bool tcvEncodeImage(wxString const& format, _IplImage const* image, int quality, ImagePacking packing,
+                            std::string& bytes);
 
 // Bare extensions in lower case ("jpg"), for lists of files and selectors.
 ORV_API VecString GetReadableImageFormats();
