@@ -102,21 +102,29 @@ VecVecString JpegInfoTableSignature::Evaluate() {
 JpegInfoTableSignatureMatch::JpegInfoTableSignatureMatch() : m_evidence(Evidence), m_reference(Reference) {}
 
 VecVecString JpegInfoTableSignatureMatch::Evaluate(VecString const& files) {
-    const VecVecString evidence = m_evidence.Evaluate();
-    VecVecString result = {MakeHeader(), {"0"}};
-    for (VecString const& row : evidence) result.back().push_back(row[1]);
-    result.back().push_back("0");
-
+    VecVecString result = Start();
     const FileProgress progress(files.size());
     for (size_t i = 0; i < files.size(); ++i) {
         if (!FileProgress::Begin(files[i])) break;
         LoadReference(files[i]);
-        result.push_back(MakeRow(i + 1, files[i], evidence));
+        result.push_back(MakeRow(i + 1, files[i]));
     }
     return result;
 }
 
-VecString JpegInfoTableSignatureMatch::MakeRow(size_t number, wxString const& file, VecVecString const& evidence) {
+VecVecString JpegInfoTableSignatureMatch::Start() {
+    m_evidenceRows = m_evidence.Evaluate();
+    VecVecString result = {MakeHeader(), {"0"}};
+    for (VecString const& row : m_evidenceRows) result.back().push_back(row[1]);
+    result.back().push_back("0");
+    return result;
+}
+
+VecString JpegInfoTableSignatureMatch::EvaluateReference(size_t number) {
+    return MakeRow(number, GetContext()->GetFilename(Reference));
+}
+
+VecString JpegInfoTableSignatureMatch::MakeRow(size_t number, wxString const& file) {
     VecVecString reference = m_reference.Evaluate();
     if (reference[RowFullPath][1].empty()) {
         reference[RowFilename][1] = wxFileName(file).GetFullName();
@@ -126,7 +134,7 @@ VecString JpegInfoTableSignatureMatch::MakeRow(size_t number, wxString const& fi
     int differences = 0;
     for (size_t i = 0; i < reference.size(); ++i) {
         wxString value = reference[i][1];
-        if (value != evidence[i][1]) {
+        if (i >= m_evidenceRows.size() || value != m_evidenceRows[i][1]) {
             ++differences;
             if (i == RowQtHash) value = OrvMarkerHard + value;
         }

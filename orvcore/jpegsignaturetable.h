@@ -38,9 +38,15 @@ public:
     // so far are given.
     VecVecString Evaluate(VecString const& files);
 
+    // The same for a caller that loads the files itself: first the header row and the Evidence's row, then, for each
+    // file that it has loaded into the Reference slot, that file's row under the number that is given.
+    VecVecString Start();
+    VecString EvaluateReference(size_t number);
+
 private:
-    VecString MakeRow(size_t number, wxString const& file, VecVecString const& evidence);
+    VecString MakeRow(size_t number, wxString const& file);
 
     JpegInfoTableSignature m_evidence;
     JpegInfoTableSignature m_reference;
+    VecVecString m_evidenceRows;
 };

@@ -52,8 +52,9 @@ struct ORV_API OrvSocialEvaluation {
 // Columns: "group", "source" and "file_id" (these two may be missing), and either "file" (a path; relative ones begin
 // at the table's folder), or "width" with the further 47 numbers of the vector in the columns behind it. Others are
 // passed over. Throws TolException (code 82) that tells the line for what can't be read, and what the readers of a file
-// throw.
-ORV_API std::vector<OrvSocialSample> OrvLoadSocialSamples(wxString const& path);
+// throw. With `failures`, a row whose file can't be had is left out and told there, one text a row, and the others are
+// read.
+ORV_API std::vector<OrvSocialSample> OrvLoadSocialSamples(wxString const& path, VecString* failures = nullptr);
 
 // Runs the classifier on each sample. With `leaveSourceOut`, a sample is compared with no signature of its own source:
 // neither one whose file is among the samples of that source, nor a compiled one that is modelled on such a file.

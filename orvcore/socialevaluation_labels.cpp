@@ -34,7 +34,7 @@ wxString Text(std::string const& utf8) {
 // The lines of one table, read one after the other.
 class Labels {
 public:
-    explicit Labels(wxString const& path) : m_path(path) {}
+    Labels(wxString const& path, VecString* failures) : m_path(path), m_failures(failures) {}
 
     void Read(std::string const& bytes) {
         for (size_t from = 0; from < bytes.size();) {
@@ -99,7 +99,13 @@ private:
         if (m_feature != kNone) {
             for (size_t i = 0; i < SMS_FeatureCount; ++i) sample.feature.push_back(Number(cells[m_feature + i]));
         } else {
-            ReadFile(Text(cells[m_file]), sample);
+            try {
+                ReadFile(Text(cells[m_file]), sample);
+            } catch (TolException const& error) {
+                if (m_failures == nullptr) throw;
+                m_failures->push_back(error.GetMessage());
+                return;
+            }
         }
         m_samples.push_back(std::move(sample));
     }
@@ -115,6 +121,7 @@ private:
     }
 
     wxString m_path;
+    VecString* m_failures;
     int m_line = 0;
     Cells m_columns;
     size_t m_group = kNone, m_source = kNone, m_fileId = kNone, m_feature = kNone, m_file = kNone;
@@ -123,13 +130,13 @@ private:
 
 }  // namespace
 
-std::vector<OrvSocialSample> OrvLoadSocialSamples(wxString const& path) {
+std::vector<OrvSocialSample> OrvLoadSocialSamples(wxString const& path, VecString* failures) {
     std::string bytes;
     if (!ReadFileBytes(path, bytes, static_cast<size_t>(GetTolLimit(TolLimit::UserDatabaseBytes)))) {
         throw TolException(__FILE__, __LINE__, ExceptionGeneral, TolErrorMessage,
                            path + ": can't be read, or is larger than the limit \"user-database-bytes\"");
     }
-    Labels labels(path);
+    Labels labels(path, failures);
     labels.Read(bytes);
     return labels.Take();
 }
