@@ -115,6 +115,7 @@ private:
         const FileState before = ReadState(m_path);
         context->LoadAlone(PathFromBytes(absolute), m_slot);
         Record& record = m_result->record;
+        record.path = m_path;
         record.bytes = static_cast<uint64_t>(before.status.st_size);
         record.sha256 = before.sha256;
         m_fill(m_slot, record);

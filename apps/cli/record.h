@@ -17,6 +17,8 @@ struct RecordRow {
     // What stands behind the value where it is a list (JSON only); `value` then has it joined by line breaks.
     std::vector<std::string> items;
     bool isList = false;
+    // The value's line breaks are the table's own: it is shown on as many lines. Those of other values are escaped.
+    bool isBlock = false;
     // A row that the table as asked for doesn't have, here for its warning alone. Not among the rows in JSON.
     bool isExtra = false;
 };

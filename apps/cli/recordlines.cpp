@@ -14,6 +14,14 @@ char MarkerOf(Record const& record, RecordRow const& row, std::string const& mes
     return row.warnings[0];
 }
 
+std::vector<std::string> ValueLines(RecordRow const& row) {
+    if (row.isList) return row.items;
+    if (!row.isBlock) return {row.value};
+    std::vector<std::string> lines = SplitLines(row.value);
+    if (lines.size() > 1 && lines.back().empty()) lines.pop_back();
+    return lines;
+}
+
 }  // namespace
 
 std::vector<std::string> SplitLines(std::string const& text) {
@@ -33,7 +41,7 @@ std::vector<RecordLine> LinesOf(Record const& record) {
         std::vector<std::string> warnings;
         if (!row.warnings.empty()) warnings = SplitLines(row.warnings.substr(1));
         for (std::string& warning : warnings) warning.insert(0, 1, MarkerOf(record, row, warning));
-        const std::vector<std::string> values = row.isList ? row.items : std::vector<std::string>{row.value};
+        const std::vector<std::string> values = ValueLines(row);
         const size_t count = std::max({warnings.size(), values.size(), size_t{1}});
         for (size_t i = 0; i < count; ++i) {
             lines.push_back(

@@ -29,8 +29,20 @@ std::string OutputOptions::Format() const {
 }
 
 void FileOptions::Define(CLI::App& app) {
-    AddList(app, "FILE", names, 1, "Images, and folders of images");
+    AddList(app, "FILE", names, 0, "Images, and folders of images");
+    AddText(app, "--files-from", list,
+            "Read further names from a file, one a line (or each ended by a zero byte); - is standard input")
+        ->type_name("LIST");
     app.add_flag("-r,--recursive", recursive, "Look into the folders beneath a folder, too");
+    app.final_callback([this] { Complete(); });
+}
+
+void FileOptions::Complete() {
+    if (!list.empty()) {
+        for (std::string const& name : ReadNameList(list)) names.push_back(name);
+    } else if (names.empty()) {
+        throw Failure(ExitUsage, "FILE", "is required, or --files-from");
+    }
 }
 
 RecordRun::RecordRun(Environment& environment, OutputOptions const& output, FileOptions const& files, RecordStyle style)
@@ -48,6 +60,7 @@ ExitCode RecordRun::Run(FillRecord const& fill) {
     Output output(m_outputOptions.path, m_outputOptions.force);
     Session session(m_environment);
     session.KeepNoCopies();
+    if (m_prepare) m_prepare(session);
     std::vector<std::string> extensions;
     for (wxString const& extension : session.Context().GetImageFormatsRead()) extensions.push_back(ToUtf8(extension));
     const Inputs inputs = FindInputs(m_files.names, extensions, m_files.recursive, m_environment.terminal);

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <CLI/App.hpp>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/cli/command.h"
@@ -25,11 +27,16 @@ struct OutputOptions {
     std::string Format() const;
 };
 
+// FILE..., -r and --files-from. Once the arguments are parsed `names` holds those of the list, too, and is not empty.
 struct FileOptions {
     std::vector<std::string> names;
+    std::string list;
     bool recursive = false;
 
     void Define(CLI::App& app);
+    // Adds the list's names, once the arguments are parsed; done by itself unless another final callback is set behind
+    // Define. Throws Failure where there is neither a name nor a list.
+    void Complete();
 };
 
 // Examines all files in turn, each by itself: a failing one is told and the next is done. Ends what is written also
@@ -42,6 +49,8 @@ public:
     void SetReference(std::string const& path) { m_reference = path; }
     // The severity from which on a warning makes the exit code 1: "soft", "hard", or empty for never.
     void SetFailOn(std::string const& severity) { m_failOn = severity; }
+    // Called once, with the engine started and before the first file.
+    void SetPrepare(std::function<void(Session&)> prepare) { m_prepare = std::move(prepare); }
 
     ExitCode Run(FillRecord const& fill);
 
@@ -59,6 +68,7 @@ private:
     RecordStyle m_style;
     std::string m_reference;
     std::string m_failOn;
+    std::function<void(Session&)> m_prepare;
     ExitCode m_code = ExitDone;
     size_t m_done = 0;
     size_t m_failed = 0;

@@ -35,7 +35,9 @@ struct Layout {
     std::vector<std::string> warnings;  // for each row of the table, its last cell
 
     void Add(RecordLine const& line) {
-        const bool isLong = line.warning.empty() && CountCharacters(Printable(line.value)) > WidestValue;
+        // A blank in front would move the whole column to the right.
+        const bool isLong = line.warning.empty() && (CountCharacters(Printable(line.value)) > WidestValue ||
+                                                     (!line.value.empty() && line.value[0] == ' '));
         table.push_back({Cell(line.title), Cell(isLong ? "" : line.value), Cell(line.warning)});
         longValues.push_back(isLong ? Printable(line.value) : "");
         warnings.push_back(Printable(line.warning));
