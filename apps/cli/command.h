@@ -39,9 +39,16 @@ struct CommandEntry {
 std::vector<CommandEntry> const& AllCommands();
 
 std::unique_ptr<Command> MakeBookmarkCommand();
+std::unique_ptr<Command> MakeCompareCommand();
+std::unique_ptr<Command> MakeDimplesCommand();
+std::unique_ptr<Command> MakeExifCommand();
 std::unique_ptr<Command> MakeInfoCommand();
+std::unique_ptr<Command> MakeJpegCommand();
+std::unique_ptr<Command> MakeMatchCommand();
 std::unique_ptr<Command> MakeOptionsCommand();
 std::unique_ptr<Command> MakeProjectCommand();
 std::unique_ptr<Command> MakeQtCommand();
+std::unique_ptr<Command> MakeSmsCommand();
+std::unique_ptr<Command> MakeSocialCommand();
 
 }  // namespace cli
