@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/cli/parametertext.h"
 
+#include <algorithm>
+#include <set>
+
 #include "apps/cli/failure.h"
 #include "apps/cli/text.h"
 #include "tolbase/exception.h"
@@ -24,6 +27,18 @@ std::string NamesOf(VecParameter const& parameters) {
     std::string names;
     for (Parameter const& parameter : parameters) names += (names.empty() ? "" : ", ") + ToUtf8(parameter.Name());
     return names;
+}
+
+// Where the name ends in a text of the form NAME=VALUE. Names may hold "=" themselves ("Scale (0 = auto)"): a whole
+// name goes before one that ends at the first.
+size_t EndOfName(std::string const& setting, std::vector<wxString> const& names) {
+    const size_t first = setting.find('=');
+    for (size_t at = first; at != std::string::npos; at = setting.find('=', at + 1)) {
+        const wxString name = Plain(FromUtf8(setting.substr(0, at)));
+        const auto isMeant = [&name](wxString const& each) { return Plain(each) == name; };
+        if (std::any_of(names.begin(), names.end(), isMeant)) return at;
+    }
+    return first;
 }
 
 }  // namespace
@@ -59,13 +74,17 @@ bool SetParameter(Parameter& parameter, std::string const& text) {
 void SetParameters(VecParameter& parameters, std::vector<std::string> const& settings, std::string const& option) {
     std::vector<wxString> names;
     for (Parameter const& parameter : parameters) names.push_back(parameter.Name());
+    std::set<size_t> seen;
     for (std::string const& setting : settings) {
-        const size_t equals = setting.find('=');
+        const size_t equals = EndOfName(setting, names);
         if (equals == std::string::npos || equals == 0) {
             throw Failure(ExitUsage, option, "\"" + setting + "\" is not of the form PARAMETER=VALUE");
         }
         const std::string name = setting.substr(0, equals);
         const size_t index = FindName(names, FromUtf8(Valid(name)));
+        if (index < names.size() && !seen.insert(index).second) {
+            throw Failure(ExitUsage, option, "the parameter \"" + ToUtf8(names[index]) + "\" is given twice");
+        }
         if (index == names.size()) {
             const std::string known = names.empty() ? "it has none" : "it has: " + NamesOf(parameters);
             throw Failure(ExitUsage, option, "the filter has no parameter \"" + name + "\"; " + known);

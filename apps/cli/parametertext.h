@@ -16,7 +16,8 @@ std::string Takes(Parameter const& parameter);
 bool SetParameter(Parameter& parameter, std::string const& text);
 
 // Sets parameters from texts of the form NAME=VALUE; names without regard to case, blanks, "_" and "-", and by any
-// beginning that only one of them has. Throws Failure (ExitUsage) that names `option`, the parameter and its range.
+// beginning that only one of them has; none twice. Throws Failure (ExitUsage) that names `option`, the parameter and
+// its range.
 void SetParameters(VecParameter& parameters, std::vector<std::string> const& settings, std::string const& option);
 
 // The place of the one name that is `wanted` or, failing that, the only one that begins with it; names.size() if there
