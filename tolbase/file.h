@@ -41,6 +41,11 @@ ORV_API bool CreateDirIfNotExists(const wxString& path);
 // a number ("a (2).jpg"). Across file systems it is copied, compared and only then removed. On failure (false) the file
 // stays where it was. `movedTo` gets the new path.
 ORV_API bool MoveFileToFolder(const wxString& file, const wxString& folder, wxString* movedTo = nullptr);
+// The name that MoveFileToFolder tries as its `number`-th: "a.jpg" for 1, "a (2).jpg" for 2.
+ORV_API wxString NumberedFilename(const wxString& name, int number);
+// Renames a file within its file system unless something stands at the new path, as one step; false, nothing changed,
+// if it can't be done. `exists` tells whether that was because of what stands there.
+ORV_API bool RenameFileToNew(const wxString& from, const wxString& to, bool& exists);
 
 // What stands behind the last separator.
 ORV_API wxString GetFilenameNoPath(const wxString& path);

@@ -5,9 +5,9 @@
 // Threads: a manager belongs to one thread, and its own threads end inside RunThreadMngr; at most "web-threads" run at
 // a time. An abort (tcvAbortProgress) ends a search. Ownership: managers own their threads, results are copies.
 //
-// Every request has the time limit "web-seconds", retries included, and its answer the limit "web-answer-bytes". A 429,
-// a 5xx and a broken connection are tried again, up to "web-attempts" times, each time after twice as long a pause, or
-// after the pause that the server asks for. Certificates are verified, requests with a key follow no redirection, and
+// Every request has the time limit "web-seconds", retries included, and its answer the limit "web-answer-bytes". A 429
+// and a 5xx are tried again, up to "web-attempts" times, each time after twice as long a pause, or after the pause that
+// the server asks for. Certificates are verified, requests with a key follow no redirection, and
 // no error text holds a key or an address' query. Addresses and keys: tolimage/webservices.h. Nothing throws.
 #pragma once
 #include <wx/string.h>
@@ -81,6 +81,9 @@ protected:
 
 private:
     struct Impl;
+    // A sentence if it failed.
+    wxString Fetch();
+
     std::unique_ptr<Impl> m_impl;
 };
 
@@ -107,10 +110,13 @@ public:
 protected:
     // One piece of work, done by any of the threads on its connection. Texts that go in must be the job's own.
     using Job = std::function<void(CurlClass&)>;
-    // Does the jobs with the operations above and forgets them.
+    // What CreateThreads shares out.
+    void SetJobs(std::vector<Job> jobs);
+    // Does the jobs with the operations of this class and forgets them.
     void RunJobs(std::vector<Job> jobs);
     // Keeps the first message only. Any thread.
     void NoteError(wxString const& message);
+    void ForgetError();
     bool HasError() const;
 
     VecVecString m_results;
@@ -144,6 +150,8 @@ public:
     void CollectResults() override;
 
 private:
+    void AskModels(CurlClass& connection, wxString const& make, VecString& models);
+
     VecString m_makes;
     std::vector<VecString> m_models;
 };
@@ -152,6 +160,8 @@ private:
 // that the service told of, in one row; GetRcvdPhotoList has those that the filter accepts.
 class ORV_API GetPhotoListManager : public ImageReqManager {
 public:
+    struct Candidate;
+
     // `date` is the earliest day of upload, "2024-5-31"; at most `count` photographs are given, all up to the limit
     // "web-photos" for 0 or less.
     GetPhotoListManager(VecString const& makeModel, wxString const& date, TagFilter const& filter, int count);
@@ -168,9 +178,9 @@ public:
     std::vector<Photo> GetRcvdPhotoList() const;
 
 protected:
-    struct Candidate;
-    // One page's photographs, counted from 1, and how many pages there are. False if there was no answer.
-    virtual bool AskPage(int page, std::vector<Candidate>& candidates, int& pageCount) = 0;
+    // The photographs of a page, counted from 1, and how many pages there are. False, and an error noted, if there was
+    // no answer. Runs in another thread, alone.
+    virtual bool AskPage(CurlClass& connection, int page, std::vector<Candidate>& candidates, int& pageCount) = 0;
     // Adds what the page lacks. Runs in several threads at once, each with its candidate.
     virtual void AskDetails(CurlClass& connection, Candidate& candidate);
     // Whether AskDetails is needed at all.
@@ -186,6 +196,7 @@ private:
 
     int m_pageCount = 0;
     std::vector<Photo> m_photos;
+    wxString m_partialError;
 };
 
 // Flickr: flickr.photos.search with make and model as text, then flickr.photos.getExif of each photograph. Photographs
@@ -195,7 +206,7 @@ public:
     GetPhotoListManagerFlickr(VecString const& makeModel, wxString const& date, TagFilter const& filter, int count);
 
 protected:
-    bool AskPage(int page, std::vector<Candidate>& candidates, int& pageCount) override;
+    bool AskPage(CurlClass& connection, int page, std::vector<Candidate>& candidates, int& pageCount) override;
     void AskDetails(CurlClass& connection, Candidate& candidate) override;
 };
 
@@ -206,7 +217,7 @@ public:
     GetPhotoListManagerGoogle(VecString const& makeModel, wxString const& date, TagFilter const& filter, int count);
 
 protected:
-    bool AskPage(int page, std::vector<Candidate>& candidates, int& pageCount) override;
+    bool AskPage(CurlClass& connection, int page, std::vector<Candidate>& candidates, int& pageCount) override;
     void AskDetails(CurlClass& connection, Candidate& candidate) override;
 };
 
@@ -219,11 +230,14 @@ public:
                                     wxString const& lastDay, wxString const& radius, wxString const& unit);
 
 protected:
-    bool AskPage(int page, std::vector<Candidate>& candidates, int& pageCount) override;
+    bool AskPage(CurlClass& connection, int page, std::vector<Candidate>& candidates, int& pageCount) override;
     void AskDetails(CurlClass& connection, Candidate& candidate) override;
     bool IsDetailNeeded(Candidate const& candidate) const override;
 
 private:
+    // What is wrong with the question; empty if nothing is.
+    wxString FindFault() const;
+
     wxString m_latitude;
     wxString m_longitude;
     wxString m_firstDay;

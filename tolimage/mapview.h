@@ -21,6 +21,6 @@ public:
     // pictures by Custom Search. Writes `stem` + "google.html" and gives 0; -1 when a service couldn't be asked or the
     // page couldn't be written.
     static int ShowGoogleFileSearch(wxString const& evidence, wxString const& stem, wxString const& text);
-    // Why the last call of this thread failed; empty if it did not.
+    // Why the last call failed; empty if it did not. Any thread.
     static wxString GetLastProblem();
 };

@@ -103,8 +103,6 @@ public:
     // `tags` are the photograph's metadata by "directory:tag" ("IFD0:Software").
     bool Accepts(Photo const& photo, std::map<wxString, wxString> const& tags) const;
     bool AcceptsSize(wxSize const& size) const;
-    // A copy that shares nothing with this one, for another thread.
-    TagFilter Clone() const;
 
     TagFilterType GetType() const { return m_type; }
     wxString const& GetMake() const { return m_make; }
