@@ -16,6 +16,7 @@
 #include "tolbase/text.h"
 #include "tolbase/translation.h"
 #include "tolimage/subimages.h"
+#include "tolimage/webservices.h"
 
 namespace {
 
@@ -44,6 +45,26 @@ StartSettings ReadStartSettings(wxString const& path) {
         return StartSettings();
     }
     return settings;
+}
+
+// An address that is left empty is the documented one.
+void ApplyWebServices(VecVecParameter const& options) {
+    TolWebServices services;
+    if (!options.HasGroup(kWebGroup)) return;
+    VecParameter const& group = options.Group(kWebGroup);
+    auto const take = [&group](char const* name, wxString& text) {
+        Parameter const* option = group.Find(name);
+        wxString const value = option != nullptr ? Trim(option->GetValue<wxString>()) : wxString();
+        if (!value.empty()) text = value;
+    };
+    take("Flickr Endpoint", services.flickrEndpoint);
+    take("Flickr API Key", services.flickrKey);
+    take("Google Endpoint", services.googleEndpoint);
+    take("Google API Key", services.googleKey);
+    take("TinEye Endpoint", services.tinEyeEndpoint);
+    take("TinEye API Key", services.tinEyeKey);
+    take("Sightings Endpoint", services.sightingsEndpoint);
+    SetTolWebServices(services);
 }
 
 }  // namespace
@@ -104,14 +125,22 @@ VecParameter OrvContext::MakeGeneralOptions(wxString const& hiDpi) const {
 // Addresses are the services' public ones. The sightings service gives its address together with a key, so there is
 // none to begin with.
 void OrvContext::AddWebServiceOptions() {
+    TolWebServices const services;
     VecParameter options;
-    options.push_back(CreateParameterString("Flickr Endpoint", "", "https://api.flickr.com/services/rest/"));
-    options.push_back(CreateParameterString("Flickr API Key", "", wxString()));
-    options.push_back(CreateParameterString("Google Endpoint", "", "https://www.googleapis.com/customsearch/v1"));
-    options.push_back(CreateParameterString("Google API Key", "", wxString()));
-    options.push_back(CreateParameterString("TinEye Endpoint", "", "https://api.tineye.com/rest/"));
-    options.push_back(CreateParameterString("TinEye API Key", "", wxString()));
-    options.push_back(CreateParameterString("Sightings Endpoint", "", wxString()));
+    options.push_back(
+        CreateParameterString("Flickr Endpoint", "The address of Flickr's REST methods", services.flickrEndpoint));
+    options.push_back(CreateParameterString("Flickr API Key", "Your own key for Flickr", services.flickrKey));
+    options.push_back(CreateParameterString("Google Endpoint",
+                                            "The address of Google's Custom Search JSON API; your search engine goes "
+                                            "behind it as ?cx=ENGINE",
+                                            services.googleEndpoint));
+    options.push_back(CreateParameterString("Google API Key", "Your own key for Google", services.googleKey));
+    options.push_back(
+        CreateParameterString("TinEye Endpoint", "The address of TinEye's commercial API", services.tinEyeEndpoint));
+    options.push_back(CreateParameterString("TinEye API Key", "Your own key for TinEye", services.tinEyeKey));
+    options.push_back(CreateParameterString("Sightings Endpoint",
+                                            "The address of the sightings service, which comes with its key",
+                                            services.sightingsEndpoint));
     AddProgramOptionsGroup(kWebGroup, options);
 }
 
@@ -134,6 +163,7 @@ void OrvContext::SetProgramOptions(VecVecParameter const& options) {
         ApplyVariables();
     }
     ApplyLimits();
+    ApplyWebServices(m_programOptions);
     UpdateBasePath(Evidence);
     UpdateBasePath(Reference);
 }
