@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include "tests/support/tempdir.h"
@@ -141,4 +142,67 @@ TEST(MoveFile, AcrossFileSystems_ReplacesNothing) {
     EXPECT_TRUE(MoveFileToFolder(dir / "a.bin", other.Path()));
     EXPECT_EQ(std::string("old"), support::ReadBytes(other.Path() + "/a.bin"));
     EXPECT_EQ(std::string("new"), support::ReadBytes(other.Path() + "/a (2).bin"));
+}
+
+namespace {
+
+std::size_t CountEntries(const wxString& folder) {
+    const std::filesystem::path path(PathToBytes(folder));
+    return static_cast<std::size_t>(
+        std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator()));
+}
+
+}  // namespace
+
+TEST(MoveFile, RelativeLink_BecomesTheFileAndLeavesItsTarget) {
+    const support::TempDir dir;
+    support::WriteBytes(dir / "store/a.txt", "content");
+    CreateDirIfNotExists(dir / "in");
+    ASSERT_EQ(0, symlink("../store/a.txt", PathToBytes(dir / "in/link.txt").c_str()));
+    wxString moved;
+    ASSERT_TRUE(MoveFileToFolder(dir / "in/link.txt", dir / "x/y/target", &moved));
+    EXPECT_EQ(dir / "x/y/target/link.txt", moved);
+    EXPECT_EQ(std::string("content"), support::ReadBytes(moved));
+    EXPECT_EQ(std::string("content"), support::ReadBytes(dir / "store/a.txt"));
+    EXPECT_FALSE(Exists(dir / "in/link.txt"));
+    EXPECT_EQ(1u, CountEntries(dir / "x/y/target"));
+}
+
+TEST(MoveFile, AcrossFileSystems_LeavesNothingElseBehind) {
+    const OtherFileSystem other;
+    if (other.Path().empty()) GTEST_SKIP() << "/dev/shm is no other file system than /tmp";
+    const support::TempDir dir;
+    for (const char* content : {"one", "two"}) {
+        support::WriteBytes(dir / "in/a.bin", content);
+        ASSERT_TRUE(MoveFileToFolder(dir / "in/a.bin", other.Path()));
+    }
+    EXPECT_EQ(0u, CountEntries(dir / "in"));
+    EXPECT_EQ(2u, CountEntries(other.Path()));
+}
+
+TEST(MoveFile, AttributesOfAFile_GoWithItOrItStays) {
+    const OtherFileSystem other;
+    if (other.Path().empty()) GTEST_SKIP() << "/dev/shm is no other file system than /tmp";
+    const support::TempDir dir;
+    const std::string from = PathToBytes(support::WriteBytes(dir / "a.bin", "content"));
+    if (setxattr(from.c_str(), "user.xdg.origin.url", "http://x", 8, 0) != 0) GTEST_SKIP() << "no such attributes here";
+    wxString moved;
+    if (!MoveFileToFolder(dir / "a.bin", other.Path(), &moved)) {
+        EXPECT_EQ(std::string("content"), support::ReadBytes(dir / "a.bin"));
+        EXPECT_EQ(0u, CountEntries(other.Path()));
+        return;
+    }
+    char value[9] = {};
+    EXPECT_EQ(8, getxattr(PathToBytes(moved).c_str(), "user.xdg.origin.url", value, 8));
+    EXPECT_STREQ("http://x", value);
+}
+
+TEST(MoveFile, FolderThatMayNotBeWritten_KeepsTheFile) {
+    if (geteuid() == 0) GTEST_SKIP() << "root may write everywhere";
+    const support::TempDir dir;
+    support::WriteBytes(dir / "a.txt", "content");
+    CreateDirIfNotExists(dir / "target");
+    ASSERT_EQ(0, chmod(PathToBytes(dir / "target").c_str(), 0500));
+    EXPECT_FALSE(MoveFileToFolder(dir / "a.txt", dir / "target"));
+    EXPECT_EQ(std::string("content"), support::ReadBytes(dir / "a.txt"));
 }
