@@ -60,6 +60,34 @@ TEST_F(JsonResult, OtherCommands_FitTheirSchemas) {
     EXPECT_EQ("", Mismatch(Orvelle({"options", "list", "--format", "json"}).out, "options.schema.json"));
 }
 
+TEST_F(JsonResult, Filters_FitTheirSchema) {
+    EXPECT_EQ("", Mismatch(Orvelle({"filters", "--format", "json"}).out, "filters.schema.json"));
+    EXPECT_EQ("", Mismatch(Orvelle({"filters", "Channels", "--format", "json"}).out, "filters.schema.json"));
+    EXPECT_EQ("", Mismatch(Orvelle({"filters", "Channels", "--format", "jsonl"}).out, "filters.schema.json"));
+    EXPECT_NE("", Mismatch("{}", "filters.schema.json"));
+}
+
+TEST_F(JsonResult, FilterOfEachKind_FitsItsSchema) {
+    const std::string photo = Photo("a.jpg", 1001, 751);
+    const std::string target = Folder() + "/saved.png";
+    for (std::vector<std::string> const& call : std::vector<std::vector<std::string>>{
+             {"Original"}, {"Channels", "-o", target}, {"Histogram"}, {"File Format"}, {"Hex Viewer"}}) {
+        std::vector<std::string> arguments = {"filter", call[0], photo, photo, "--format", "json"};
+        arguments.insert(arguments.end(), call.begin() + 1, call.end());
+        EXPECT_EQ("", Mismatch(Orvelle(arguments).out, "filter.schema.json")) << call[0];
+    }
+    EXPECT_NE("", Mismatch("{}", "filter.schema.json"));
+}
+
+TEST_F(JsonResult, Cache_FitsItsSchema) {
+    const std::string photo = Photo("a.jpg");
+    EXPECT_EQ("", Mismatch(Orvelle({"cache", "show", photo, "--format", "json"}).out, "cache.schema.json"));
+    ASSERT_EQ(0, Orvelle({"filter", "Channels", photo}).status);
+    EXPECT_EQ("", Mismatch(Orvelle({"cache", "show", photo, "--format", "json"}).out, "cache.schema.json"));
+    EXPECT_EQ("", Mismatch(Orvelle({"cache", "show", photo, "--format", "jsonl"}).out, "cache.schema.json"));
+    EXPECT_NE("", Mismatch("{}", "cache.schema.json"));
+}
+
 TEST_F(JsonResult, Info_NamesTheInput) {
     const std::string photo = Photo("a.jpg");
     const std::string json = Orvelle({"info", photo, "--format", "json"}).out;
