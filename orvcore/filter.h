@@ -292,6 +292,7 @@ private:
     void FinishRun(const RunState& run);
     wxWindow* GetPanelWindow() const;
 
+    bool m_calculateAnew[2] = {false, false};
     mutable bool m_cacheFailed = false;
     mutable wxString m_cacheMessage;
 };

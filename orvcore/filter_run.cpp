@@ -156,7 +156,7 @@ bool OrvFilter::ShowReloaded(OrvFileId id) {
 
 // Reloads the result of a slot, declares the slot unsupported, or calculates. False after an abort.
 bool OrvFilter::ObtainResult(OrvFileId id, RunState& run) {
-    if (run.cacheEnabled && LoadStatus(id) && IsStatusAvailable(id)) {
+    if (run.cacheEnabled && !m_calculateAnew[id] && LoadStatus(id) && IsStatusAvailable(id)) {
         m_configuredFromCache[id] = true;
         return true;
     }
@@ -209,6 +209,15 @@ void OrvFilter::PostApply() {
 void OrvFilter::ResetStatus(OrvFileId id) {
     filtercache::RemoveFile(GetStatusFilename(id, m_parametersInput));
     m_needsReprocessing = true;
+    // The file may be one that can't be removed, or be there again.
+    struct Forced {
+        explicit Forced(bool& flag) : m_flag(flag) { m_flag = true; }
+        Forced(const Forced&) = delete;
+        Forced& operator=(const Forced&) = delete;
+        ~Forced() { m_flag = false; }
+        bool& m_flag;
+    };
+    const Forced forced(m_calculateAnew[id]);
     Configure(VecParameter(m_parametersInput), VecParameter(m_parametersPostProcessing));
 }
 
