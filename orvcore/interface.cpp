@@ -33,6 +33,10 @@ void OrvInterface::CallAction(OrvFilter* filter, int actionId, const VecParamete
     m_context->PostCommand(new OrvCommandCallAction(filter, actionId, parameters));
 }
 
+void OrvInterface::CallGenericAction(OrvActionId actionId, const wxString& text, const VecParameter& parameters) {
+    m_context->PostCommand(new OrvCommandCallGenericAction(actionId, text, parameters));
+}
+
 void OrvInterface::DeleteCache(OrvFileId id) {
     m_context->PostCommand(new OrvCommandDeleteCache(id));
 }

@@ -5,6 +5,7 @@
 
 #include "orvcore/command.h"
 #include "orvcore/context.h"
+#include "orvcore/genericaction.h"
 #include "orvcore/project.h"
 #include "tolbase/export.h"
 #include "tolbase/image.h"
@@ -35,6 +36,8 @@ public:
 
     void AddBookmark();
     void CallAction(OrvFilter* filter, int actionId, const VecParameter& parameters);
+    // Work that belongs to no filter; `text` comes back with the event.
+    void CallGenericAction(OrvActionId actionId, const wxString& text, const VecParameter& parameters);
     void DeleteCache(OrvFileId id);
     void DumpEmbeddedJpgs(const wxString& path);
     void DumpImagesFromPdf(const wxString& path, VecParameter& parameters);
