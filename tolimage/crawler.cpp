@@ -187,6 +187,8 @@ void GetPhotoListManager::RunThreadMngrAlt() {
             std::remove_if(candidates.begin(), candidates.end(),
                            [&](Candidate const& one) { return !seen.insert(one.photo.GetPhotoId()).second; }),
             candidates.end());
+        // One that brings nothing new is the last, whatever the service says.
+        if (candidates.empty()) break;
         if (candidates.size() > most - ids.size()) candidates.resize(most - ids.size());
         for (Candidate const& one : candidates) ids.push_back(one.photo.GetPhotoId());
         TakePage(candidates);

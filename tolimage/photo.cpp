@@ -80,7 +80,9 @@ bool TagFilter::AcceptsModel(Photo const& photo) const {
     if (wanted.empty()) return true;
     wxString const model = Plain(photo.GetModel());
     if (model.empty()) return false;
-    for (wxString const& make : {Plain(m_make), Plain(photo.GetMake())}) {
+    // "NIKON CORPORATION" writes "NIKON D90".
+    wxString const ownFirst = Plain(photo.GetMake().BeforeFirst(' '));
+    for (wxString const& make : {Plain(m_make), Plain(photo.GetMake()), ownFirst}) {
         if (WithoutStart(model, make) == WithoutStart(wanted, make)) return true;
     }
     return false;
