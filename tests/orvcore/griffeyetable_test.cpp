@@ -108,6 +108,7 @@ TEST_F(PluginTable, FileWithoutWarnings_IsClean) {
         options.Group("File Format").Find(name)->Set(value);
     };
     set("Min File Size", int64_t{1});
+    set("Min Pixel Size", 1);
     for (const char* name : {"Warning if software QT", "Warning if camera not found in QT db",
                              "Warning if camera present but QT not found"})
         set(name, 0);
