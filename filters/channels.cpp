@@ -15,21 +15,26 @@ constexpr char const* ComponentNames[4][3] = {
     {"L* (lightness)", "a* (green to red, 128 is neutral)", "b* (blue to yellow, 128 is neutral)"},
 };
 
-// Where a component stands in OpenCV's order.
-int PlaceOf(OrvChannelSpace space, int component) {
-    if (space == OrvChannelSpaceRgb) return 2 - component;
-    if (space == OrvChannelSpaceYCbCr && component > 0) return 3 - component;
-    return component;
+// Weights of blue, green and red, and what is added. OpenCV's own conversion takes chroma from a luma that is rounded
+// already, which is one step off in places.
+constexpr double YCbCrWeights[3][4] = {
+    {0.114, 0.587, 0.299, 0.0},
+    {0.886 / 1.772, -0.587 / 1.772, -0.299 / 1.772, 128.0},
+    {-0.114 / 1.402, -0.587 / 1.402, 0.701 / 1.402, 128.0},
+};
+
+cv::Mat TakeYCbCr(cv::Mat const& picture, int component) {
+    cv::Mat channel;
+    cv::transform(picture, channel, cv::Matx14d(YCbCrWeights[component]));
+    return channel;
 }
 
-cv::Mat ConvertTo(cv::Mat const& picture, OrvChannelSpace space) {
-    if (space == OrvChannelSpaceRgb) return picture;
-    int const conversion = space == OrvChannelSpaceYCbCr ? cv::COLOR_BGR2YCrCb
-                           : space == OrvChannelSpaceHsv ? cv::COLOR_BGR2HSV_FULL
-                                                         : cv::COLOR_BGR2Lab;
+cv::Mat TakeConverted(cv::Mat const& picture, int conversion, int component) {
     cv::Mat converted;
     cv::cvtColor(picture, converted, conversion);
-    return converted;
+    cv::Mat channel;
+    cv::extractChannel(converted, channel, component);
+    return channel;
 }
 
 // A configuration may hold any number.
@@ -45,9 +50,12 @@ int ComponentOf(Parameter const& parameter) {
 }  // namespace
 
 cv::Mat OrvCalculateChannel(cv::Mat const& picture, OrvChannelSpace space, int component) {
-    space = static_cast<OrvChannelSpace>(std::clamp<int>(space, OrvChannelSpaceRgb, OrvChannelSpaceLab));
+    component = std::clamp(component, 0, 2);
+    if (space == OrvChannelSpaceYCbCr) return TakeYCbCr(picture, component);
+    if (space == OrvChannelSpaceHsv) return TakeConverted(picture, cv::COLOR_BGR2HSV_FULL, component);
+    if (space >= OrvChannelSpaceLab) return TakeConverted(picture, cv::COLOR_BGR2Lab, component);
     cv::Mat channel;
-    cv::extractChannel(ConvertTo(picture, space), channel, PlaceOf(space, std::clamp(component, 0, 2)));
+    cv::extractChannel(picture, channel, 2 - component);
     return channel;
 }
 

@@ -11,6 +11,9 @@ namespace {
 
 // The few rules that a page needs without its style sheet: a hard finding is red also where the sheet is missing.
 constexpr const char* OwnRules =
+    "table { border-collapse: collapse; }\n"
+    "td { border: 1px solid #d0d0d0; padding: 0.15em 0.5em; vertical-align: top; }\n"
+    "td pre { margin: 0; white-space: pre-wrap; }\n"
     "td.hard, span.warning { color: #c00000; font-weight: bold; }\n"
     "td.soft { color: #9a6700; }\n";
 
@@ -127,7 +130,8 @@ wxString HtmlWriter::DoTrRedExcl(const VecString& cells) {
         const char* attribute = cell.StartsWith("!")   ? " class=\"hard\""
                                 : cell.StartsWith("?") ? " class=\"soft\""
                                                        : "";
-        row += wxString("<td") + attribute + ">" + EscapeHtmlString(cell) + "</td>";
+        const wxString text = EscapeHtmlString(cell);
+        row += wxString("<td") + attribute + ">" + (cell.Contains("\n") ? Element("pre", text) : text) + "</td>";
     }
     return row + "</tr>\n";
 }

@@ -36,6 +36,6 @@ public:
     // A table around ready rows.
     static wxString DoTable(const wxString& rows);
     // A row of plain-text cells, escaped here. A cell that starts with "!" gets the class "hard" and stands in red, one
-    // that starts with "?" the class "soft"; the mark itself stays.
+    // that starts with "?" the class "soft"; the mark itself stays. A cell of several lines is preformatted.
     static wxString DoTrRedExcl(const VecString& cells);
 };

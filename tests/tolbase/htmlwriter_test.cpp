@@ -72,6 +72,11 @@ TEST(HtmlWriter, Row_SinglesOutFindings) {
     EXPECT_EQ(wxString("<tr></tr>\n"), HtmlWriter::DoTrRedExcl({}));
 }
 
+TEST(HtmlWriter, CellOfSeveralLines_KeepsThem) {
+    EXPECT_EQ(wxString("<tr><td class=\"hard\"><pre>!a &lt;\n b</pre></td></tr>\n"),
+              HtmlWriter::DoTrRedExcl({"!a <\n b"}));
+}
+
 TEST(HtmlWriter, Cells_AreEscaped) {
     EXPECT_EQ(wxString("<tr><td>&lt;script&gt;</td></tr>\n"), HtmlWriter::DoTrRedExcl({"<script>"}));
 }
