@@ -390,6 +390,8 @@ void BatchRun::Report(OrvFilter const& filter, VecParameter const& configuration
                                           available ? outcome.path : wxString()}));
         return;
     }
+    // The line beneath the file's heading has said it all.
+    if (!m_loadError.empty()) return;
     const wxString anchor = wxString::Format("anchor%d", m_anchor++);
     if (outcome.stale || outcome.path.empty()) {
         Append(OrvBatchHtmlFailure(filter.GetName(), parameters, anchor, outcome.error));

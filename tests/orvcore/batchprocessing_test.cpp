@@ -296,7 +296,7 @@ TEST_F(Batch, FileThatCantBeLoaded_IsCreditedWithNothing) {
     EXPECT_TRUE(
         html.Contains("<h2>File 2: broken.jpg</h2>\n<p><span class=\"warning\">File format not supported."
                       "</span></p>\n"));
-    EXPECT_EQ(1, static_cast<int>(html.Mid(html.find("File 2")).Replace("File format not supported.", "", false)));
+    EXPECT_TRUE(html.EndsWith("supported.</span></p>\n<hr>\n</body>\n</html>\n"));
     EXPECT_FALSE(html.Mid(html.find("File 2")).Contains("WARNING!"));
 }
 
