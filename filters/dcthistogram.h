@@ -21,10 +21,12 @@ struct CoefficientPeriod {
 
 // How strongly the counts of the values beside 0 repeat. Both signs are taken together, the smooth trend is divided
 // out, and the strength is the greatest magnitude of the discrete Fourier transform at periods from 2 to 16, as a share
-// of what a comb of single peaks would give. Nothing where fewer than 32 values beside 0 are frequent enough to tell.
+// of what a comb of single peaks would give. Nothing where fewer than 24 magnitudes from 1 on are
+// frequent enough to tell (8 or more a value).
 // `counts` as CountCoefficients gives them.
 ORV_API CoefficientPeriod FindCoefficientPeriod(std::vector<float> const& counts);
 
+// The status is a warning where the counts repeat with a strength of 0.2 or more.
 class ORV_API OrvFilterDctHistogram : public OrvFilterPlot {
 public:
     OrvFilterDctHistogram();

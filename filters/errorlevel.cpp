@@ -35,7 +35,7 @@ OrvFilterErrorLevel::OrvFilterErrorLevel() : OrvFilterImage("Error Level Analysi
         "Saves the picture as JPEG once more and shows how much each pixel changes by it. A part that was compressed "
         "otherwise than its surroundings can stand out darker or brighter.";
     m_parametersInput.push_back(CreateParameterIntMinMax(
-        "Quality", "Quality, in percent, at which the picture is saved for the comparison", 90, 1, 100));
+        "Quality", "Quality, in percent, at which the picture is saved for the comparison", 95, 1, 100));
 }
 
 void OrvFilterErrorLevel::Apply(OrvFileId id) {
@@ -60,7 +60,7 @@ void OrvFilterErrorLevel::InitPostProcessing() {
 
 // The qualities that are worth a comparison, not all hundred of them.
 void OrvFilterErrorLevel::CalculateConfigurations() {
-    for (int const quality : {90, 95, 75}) {
+    for (int const quality : {95, 90, 75}) {
         VecParameter values = m_parametersInput;
         values[0].Set(boost::any(quality));
         AddConfiguration(values, -1);

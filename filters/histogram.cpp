@@ -78,8 +78,8 @@ OrvFilterHistogram::OrvFilterHistogram() : OrvFilterPlot("Histogram") {
     m_bars = true;
     m_description =
         "Counts how often each brightness occurs. Regular gaps and peaks tell that the tones were stretched or "
-        "compressed "
-        "after the picture was taken; an end of the scale that holds more than 1 % of the pixels is marked as clipped.";
+        "compressed after the picture was taken; an end of the scale that holds more than 1 % of the pixels is marked "
+        "as clipped.";
     m_parametersInput.push_back(
         CreateParameterOption("Channel", "What is counted", {"Luminance", "Blue", "Green", "Red"}, 0));
     m_parametersOutput.push_back(CreateParameterString("Clipped Shadows", "Share of the pixels at level 0", ""));

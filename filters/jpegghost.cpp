@@ -61,14 +61,18 @@ std::vector<float> CalculateGhostCurve(cv::Mat const& grey, int first, int last)
 
 std::vector<int> FindCurveMinima(std::vector<float> const& curve) {
     std::vector<int> minima;
+    std::vector<float> depths(curve.size(), 0.0F);
     for (int i = 1; i + 1 < static_cast<int>(curve.size()); ++i) {
-        float const value = curve[static_cast<size_t>(i)];
-        if (value >= curve[static_cast<size_t>(i) - 1] || value >= curve[static_cast<size_t>(i) + 1]) continue;
+        auto const at = static_cast<size_t>(i);
+        float const value = curve[at];
+        if (value >= curve[at - 1] || value >= curve[at + 1]) continue;
         float const rim = std::min(Rim(curve, i, -1), Rim(curve, i, 1));
-        if (static_cast<double>(value) <= (1.0 - kProminence) * static_cast<double>(rim)) minima.push_back(i);
+        if (static_cast<double>(value) > (1.0 - kProminence) * static_cast<double>(rim)) continue;
+        minima.push_back(i);
+        depths[at] = rim - value;
     }
     std::stable_sort(minima.begin(), minima.end(),
-                     [&](int a, int b) { return curve[static_cast<size_t>(a)] < curve[static_cast<size_t>(b)]; });
+                     [&](int a, int b) { return depths[static_cast<size_t>(a)] > depths[static_cast<size_t>(b)]; });
     return minima;
 }
 
@@ -76,16 +80,15 @@ OrvFilterJpegGhost::OrvFilterJpegGhost() : OrvFilterPlot("JPEG Ghost Plot") {
     m_filterType = FilterTypeGlobalAnalysis;
     m_description =
         "Saves the picture as JPEG at each quality of a range and plots how much it changes. A dip in the curve lies "
-        "at a "
-        "quality that the picture was saved with before; a second dip can tell of an earlier, lower one.";
+        "at a quality that the picture was saved with before; a second dip can tell of an earlier, lower one.";
     m_parametersInput.push_back(
         CreateParameterIntMinMax("Minimum Quality", "Where the plot begins, in percent", 40, 1, 98));
     m_parametersInput.push_back(
         CreateParameterIntMinMax("Maximum Quality", "Where the plot ends, in percent", 100, 3, 100));
     m_parametersOutput.push_back(
-        CreateParameterString("Minimum", "The quality at the lowest dip of the curve, in percent", ""));
+        CreateParameterString("Minimum", "The quality at the deepest dip of the curve, in percent", ""));
     m_parametersOutput.push_back(
-        CreateParameterString("Further Minima", "The qualities at the other dips, the lowest dip first", ""));
+        CreateParameterString("Further Minima", "The qualities at the other dips, the deepest first", ""));
 }
 
 void OrvFilterJpegGhost::Apply(OrvFileId id) {

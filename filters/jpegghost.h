@@ -16,7 +16,8 @@ ORV_API std::vector<float> CalculateGhostCurve(cv::Mat const& grey, int first, i
 
 // Indices of the minima of a curve of values that are not negative: where a value is below both neighbours, and at
 // least 10 % below the lower of the two rims around it. A rim is the greatest value between the minimum and the next
-// lower value, or the curve's end, on one side. The lowest minimum comes first; the ends of the curve are none.
+// lower value, or the curve's end, on one side. The one that lies deepest below its lower rim comes first; the ends of
+// the curve are no minima.
 ORV_API std::vector<int> FindCurveMinima(std::vector<float> const& curve);
 
 class ORV_API OrvFilterJpegGhost : public OrvFilterPlot {

@@ -16,7 +16,7 @@ namespace {
 // is a sum and difference of four pixels, taken here without the transform's factor of 1/2: twice 0.6745. What a
 // median filter takes away is smaller than the noise.
 constexpr double kWaveletMedian = 2 * 0.6745;
-constexpr double kMedianMedian = 0.5800;
+constexpr double kMedianMedian = 0.5819;
 
 // Counts of magnitudes, which are whole numbers.
 class MagnitudeCounts {
@@ -127,13 +127,12 @@ OrvFilterNoiseMap::OrvFilterNoiseMap() : OrvFilterImage("Noise Map") {
     m_filterType = FilterTypeLocalAnalysis;
     m_description =
         "Shows how much noise each block of the picture has. A part that comes from another picture, or was smoothed "
-        "or "
-        "scaled, can have more or less noise than the rest.";
+        "or scaled, can have more or less noise than the rest.";
     m_parametersInput.push_back(CreateParameterOption("Method", "How the noise is told from the picture",
                                                       {"Wavelet", "Median"}, NoiseMethodWavelet));
     m_parametersInput.push_back(CreateParameterIntMinMax("Block Size", "Side of a block in pixels", 16, 4, 128));
     m_parametersInput.push_back(CreateParameterIntMinMax(
-        "Strength", "Brightness of the map: its grey levels for one grey level of noise", 20, 1, 100));
+        "Strength", "Brightness of the map: its grey levels for one grey level of noise", 50, 1, 200));
 }
 
 void OrvFilterNoiseMap::Apply(OrvFileId id) {
