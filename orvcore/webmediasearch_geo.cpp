@@ -6,7 +6,6 @@
 #include "tolbase/parser.h"
 #include "tolimage/crawler.h"
 
-using orvsearch::FixedText;
 using orvsearch::NumberOf;
 using orvsearch::TextOf;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // One photograph's file.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,6 +16,7 @@
 #include "tolbase/progress.h"
 #include "tolbase/text.h"
 #include "tolimage/crawler.h"
+#include "tolimage/crawler_request.h"
 #include "tolimage/webservices.h"
 
 namespace {
@@ -258,7 +260,7 @@ wxString DownloadPhoto::Fetch() {
         failure = impl.Transfer(*this, arrival, end);
         if (failure.empty() || attempt >= impl.timeout.attempts || tcvHasAborted()) break;
         if (Clock::now() + std::chrono::milliseconds(AttemptPauseMs) >= end) break;
-        wxMilliSleep(AttemptPauseMs);
+        if (!tolimage::PauseUnlessAborted(std::chrono::milliseconds(AttemptPauseMs))) break;
     }
     SetReceiver(nullptr);
     if (!failure.empty()) return failure;

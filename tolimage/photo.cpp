@@ -18,7 +18,7 @@ bool IsFormat(PhotoSizeFormat format) {
 wxString Plain(wxString const& text) {
     wxString plain;
     for (wxUniChar const c : text.Lower()) {
-        if (c != ' ' && c != '_' && c != '-') plain += c;
+        if (!wxString(" _-").Contains(wxString(c))) plain += c;
     }
     return plain;
 }
