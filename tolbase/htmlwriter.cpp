@@ -9,11 +9,15 @@
 
 namespace {
 
-// The few rules that a page needs without its style sheet: a hard finding is red also where the sheet is missing.
+// The few rules that a page needs without its style sheet: a hard finding is red also where the sheet is missing, and a
+// hash, which has no place to break at, pushes nothing off the page.
 constexpr const char* OwnRules =
     "table { border-collapse: collapse; }\n"
-    "td { border: 1px solid #d0d0d0; padding: 0.15em 0.5em; vertical-align: top; }\n"
+    "td { border: 1px solid #d0d0d0; padding: 0.15em 0.5em; vertical-align: top; overflow-wrap: anywhere; }\n"
+    "td:first-child, td.hard, td.soft, tr.head td, tr.head ~ tr td:nth-child(2) { overflow-wrap: normal; }\n"
+    "tr.head td { font-weight: bold; background: #f0f0f0; }\n"
     "td pre { margin: 0; white-space: pre-wrap; }\n"
+    "td.hard pre, td.soft pre { font: inherit; }\n"
     "td.hard, span.warning { color: #c00000; font-weight: bold; }\n"
     "td.soft { color: #9a6700; }\n";
 
@@ -125,7 +129,9 @@ wxString HtmlWriter::DoTable(const wxString& rows) {
 }
 
 wxString HtmlWriter::DoTrRedExcl(const VecString& cells) {
-    wxString row = "<tr>";
+    // The one title that every table with a header begins with.
+    const bool isHeader = !cells.empty() && cells[0] == "#Id";
+    wxString row = isHeader ? "<tr class=\"head\">" : "<tr>";
     for (const wxString& cell : cells) {
         const char* attribute = cell.StartsWith("!")   ? " class=\"hard\""
                                 : cell.StartsWith("?") ? " class=\"soft\""

@@ -37,5 +37,6 @@ public:
     static wxString DoTable(const wxString& rows);
     // A row of plain-text cells, escaped here. A cell that starts with "!" gets the class "hard" and stands in red, one
     // that starts with "?" the class "soft"; the mark itself stays. A cell of several lines is preformatted.
+    // A row that begins with "#Id" is a header and gets the class "head".
     static wxString DoTrRedExcl(const VecString& cells);
 };

@@ -72,6 +72,12 @@ TEST(HtmlWriter, Row_SinglesOutFindings) {
     EXPECT_EQ(wxString("<tr></tr>\n"), HtmlWriter::DoTrRedExcl({}));
 }
 
+TEST(HtmlWriter, HeaderRow_IsToldByItsFirstTitle) {
+    EXPECT_EQ(wxString("<tr class=\"head\"><td>#Id</td><td>Name</td></tr>\n"),
+              HtmlWriter::DoTrRedExcl({"#Id", "Name"}));
+    EXPECT_EQ(wxString("<tr><td>#1</td><td>#Id</td></tr>\n"), HtmlWriter::DoTrRedExcl({"#1", "#Id"}));
+}
+
 TEST(HtmlWriter, CellOfSeveralLines_KeepsThem) {
     EXPECT_EQ(wxString("<tr><td class=\"hard\"><pre>!a &lt;\n b</pre></td></tr>\n"),
               HtmlWriter::DoTrRedExcl({"!a <\n b"}));
