@@ -88,7 +88,9 @@ constexpr OrvFilterExplanation kExplanations[] = {
      "of blocks that compression leaves often show in one component, the chroma ones above all, and are hidden in the "
      "whole.\n\n"
      "\"Color Space\" is that of red, green and blue, of luma and colour differences (YCbCr, as in a JPEG), of hue, "
-     "saturation and value (HSV), or CIE 1976 L*a*b* (Lab); \"Component\" is one of its three.",
+     "saturation and value (HSV), or CIE 1976 L*a*b* (Lab); \"Component\" is one of its three. Chroma lies close to "
+     "128 in most photographs and looks plain grey: \"Highlights\", \"Midtones\" and \"Shadows\" spread its tones, "
+     "with ends at 150 and 110, say.",
      "Recommendation ITU-R BT.601 (luma and colour differences)\nCIE 15, \"Colorimetry\" (L*a*b*)\nA. R. Smith, "
      "\"Color gamut transform pairs\", SIGGRAPH 1978 (hue, saturation and value)",
      "It measures nothing: what is seen is the examiner's judgement. The chroma of a JPEG with subsampling is coarser "
