@@ -38,16 +38,28 @@ struct CommandEntry {
 // In the order of the help.
 std::vector<CommandEntry> const& AllCommands();
 
+std::unique_ptr<Command> MakeBatchCommand();
 std::unique_ptr<Command> MakeBookmarkCommand();
+std::unique_ptr<Command> MakeCacheCommand();
+std::unique_ptr<Command> MakeCarveCommand();
 std::unique_ptr<Command> MakeCompareCommand();
+std::unique_ptr<Command> MakeCoordinatesCommand();
 std::unique_ptr<Command> MakeDimplesCommand();
+std::unique_ptr<Command> MakeDownloadCommand();
 std::unique_ptr<Command> MakeExifCommand();
+std::unique_ptr<Command> MakeFilterCommand();
+std::unique_ptr<Command> MakeFiltersCommand();
 std::unique_ptr<Command> MakeInfoCommand();
 std::unique_ptr<Command> MakeJpegCommand();
 std::unique_ptr<Command> MakeMatchCommand();
 std::unique_ptr<Command> MakeOptionsCommand();
+std::unique_ptr<Command> MakeMultiCommand();
+std::unique_ptr<Command> MakePluginCommand();
 std::unique_ptr<Command> MakeProjectCommand();
 std::unique_ptr<Command> MakeQtCommand();
+std::unique_ptr<Command> MakeTableCommand();
+std::unique_ptr<Command> MakeVerifyCommand();
+std::unique_ptr<Command> MakeSearchCommand();
 std::unique_ptr<Command> MakeSmsCommand();
 std::unique_ptr<Command> MakeSocialCommand();
 

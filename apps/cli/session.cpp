@@ -53,9 +53,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// How often a waiting main thread looks for a signal, and how long it waits for a command that was told to stop.
+// How often a waiting main thread looks for a signal.
 constexpr milliseconds SignalPoll{50};
-constexpr milliseconds AbortPatience{500};
 
 // Places in the group "General Settings".
 constexpr size_t OptionCacheLocation = 4;
@@ -151,7 +150,7 @@ bool Session::Await(std::unique_ptr<OrvCommand> command) {
     m_context->PostCommand(command.release());
     bool aborted = false;
     milliseconds waited{0};
-    while (!aborted || waited < AbortPatience) {
+    while (!aborted || waited < m_patience) {
         const std::unique_ptr<wxEvent> event = m_sink->Wait(SignalPoll);
         wxLog::FlushActive();
         if (m_waiting) m_waiting();

@@ -3,6 +3,7 @@
 // hand-shake of one command and one event at a time.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -39,6 +40,9 @@ public:
     // Called on the main thread, some times a second, while a command is waited for.
     void SetWaiting(std::function<void()> waiting) { m_waiting = std::move(waiting); }
 
+    // How long a command may take to end after an interruption before the program leaves without it; 0.5 s at first.
+    void SetPatience(std::chrono::milliseconds patience) { m_patience = patience; }
+
     // Posts the command, waits for its event and, with the worker waiting in turn, calls `read`; then lets the worker
     // go. False if the person has interrupted meanwhile: `read` is not called then.
     template <class Read>
@@ -63,6 +67,7 @@ private:
     CliContext* m_context = nullptr;  // the interface owns it
     std::unique_ptr<OrvInterface> m_interface;
     std::function<void()> m_waiting;
+    std::chrono::milliseconds m_patience{500};
     bool m_settingsSound = true;
     bool m_busy = false;
 };

@@ -35,11 +35,11 @@ TEST_F(FilterEnds, UnknownFilter_IsWrongUsage) {
 TEST_F(FilterEnds, WrongParameter_IsNamedWithItsRange) {
     const std::string photo = Photo("a.jpg");
     for (auto const& [option, setting, message] : std::vector<std::tuple<std::string, std::string, std::string>>{
-             {"--set", "Nonsense=1", "no parameter \"Nonsense\"; it has: Color Space, Component"},
+             {"--set", "Nonsense=1", "the filter has no parameter \"Nonsense\"; it has: Color Space, Component"},
              {"--set", "Component", "\"Component\" is not of the form PARAMETER=VALUE"},
              {"--set", "=1", "\"=1\" is not of the form PARAMETER=VALUE"},
              {"--set", "Component=Fourth", "Component takes one of: First, Second, Third, not \"Fourth\""},
-             {"--set", "C=First", "\"C\" stands for several parameters: Color Space, Component"},
+             {"--set", "C=First", "several parameters begin with \"C\": Color Space, Component"},
              {"--post", "Shadows=256", "Shadows takes a whole number from 0 to 255, not \"256\""},
              {"--post", "Shadows=dark", "Shadows takes a whole number from 0 to 255, not \"dark\""},
              {"--post", "Shadows=", "Shadows takes a whole number from 0 to 255, not \"\""}}) {
