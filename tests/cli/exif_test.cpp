@@ -38,18 +38,6 @@ TEST_F(Exif, Rows_AreNamedByTheirGroupAndTag) {
     EXPECT_TRUE(Contains(ended.out, photo + ",evidence,ExifIFD:DateTimeOriginal,2020:01:02 03:04:05,\r\n"));
 }
 
-TEST_F(Exif, Text_HasOneLineForEachTag) {
-    support::CameraFacts facts;
-    facts.make = "Line\nbreak";
-    facts.model = "  Blank in front";
-    const std::string out = Orvelle({"exif", Camera("a.jpg", facts)}).out;
-    EXPECT_TRUE(Contains(out, "\nIFD0:Make ")) << out;
-    EXPECT_TRUE(Contains(out, "Line\\nbreak\n")) << out;
-    // A blank in front moves no other value to the right.
-    EXPECT_TRUE(Contains(out, "IFD0:Model     Blank in front\n") || Contains(out, "  Blank in front\n")) << out;
-    EXPECT_FALSE(Contains(out, "Warnings"));
-}
-
 TEST_F(Exif, FileWithoutMetadata_HasNoRows) {
     const std::string path = Write("a.ppm", DottedPpm(0, 0, 128));
     const Ended text = Orvelle({"exif", path});

@@ -80,7 +80,9 @@ TEST_F(Sms, Add_RefusesOddNamesAndDates) {
              {" x", "begins or ends with a blank"},
              {"a,b", "has a comma, which separates names in results"},
              {"a\nb", "has a line break, a control character or a mark that turns text"},
-             {"a\xe2\x80\xae" "b", "has a line break, a control character or a mark that turns text"},
+             {"a\xe2\x80\xae"
+              "b",
+              "has a line break, a control character or a mark that turns text"},
              {"a\xff", "is not UTF-8"}}) {
         const Ended ended = Add(photo, name);
         EXPECT_EQ(2, ended.status) << name;

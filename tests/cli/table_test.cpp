@@ -11,8 +11,10 @@ namespace {
 
 class Table : public CliTest {
 protected:
-    // A JPEG under the name of a PNG: the ending gives a hard warning.
-    std::string Flagged(std::string const& name) const { return Write(name, ReadFile(Photo("source/s.jpg"))); }
+    // A width that is no multiple of 4 gives a hard warning.
+    std::string Flagged(std::string const& name) const {
+        return Write(name, ReadFile(Photo("source/s.jpg", 641, 480)));
+    }
 };
 
 class Multi : public Table {};
