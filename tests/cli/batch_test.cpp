@@ -44,25 +44,6 @@ protected:
     }
 };
 
-TEST_F(Batch, TabSeparatedReport_HasARowForEachFileAndFilter) {
-    const std::string a = Photo("a.jpg");
-    const std::string b = Photo("b.jpg", 320, 240, 2);
-    const Ended ended = Run({"--output", Out("r.tsv"), a, b});
-    EXPECT_EQ(0, ended.status) << ended.err;
-    EXPECT_EQ(Out("r.tsv") + "\n", ended.out);
-    const std::vector<std::string> lines = Lines(ReadFile(Out("r.tsv")));
-    ASSERT_EQ(5U, lines.size());
-    EXPECT_EQ(Header, lines[0]);
-    EXPECT_EQ(a, Cells(lines[1])[0]);
-    EXPECT_EQ("EXIF", Cells(lines[1])[1]);
-    EXPECT_EQ("File Format", Cells(lines[2])[1]);
-    EXPECT_EQ(b, Cells(lines[3])[0]);
-    for (size_t i = 1; i < 5; ++i) {
-        ASSERT_EQ(5U, Cells(lines[i]).size());
-        EXPECT_TRUE(Exists(Cells(lines[i])[4])) << lines[i];
-    }
-}
-
 TEST_F(Batch, CapitalEnding_GivesHtml) {
     EXPECT_EQ(0, Run({"--output", Out("R.HTM"), Photo("a.jpg")}).status);
     const std::string page = ReadFile(Out("R.HTM"));
@@ -86,17 +67,6 @@ TEST_F(Batch, NoReport_WritesResultsOnly) {
     for (std::string const& name : List(Out(""))) hasResult = hasResult || Contains(name, "a.jpg-EXIF");
     EXPECT_TRUE(hasResult);
     EXPECT_FALSE(Exists(Out("results")));
-}
-
-TEST_F(Batch, Status_WritesNothing) {
-    const Ended ended = Run({"--status", Photo("a.jpg"), "--format", "csv"});
-    EXPECT_EQ(0, ended.status) << ended.err;
-    const std::vector<std::string> lines = Lines(ended.out);
-    ASSERT_EQ(3U, lines.size());
-    EXPECT_EQ("File,Filter,Configuration,Status,Message\r", lines[0]);
-    EXPECT_EQ(Path("a.jpg") + ",EXIF,,Ok,\r", lines[1]);
-    EXPECT_FALSE(Exists(Out("")));
-    EXPECT_EQ(2, Run({"--status", "--output", Out("r.tsv"), Path("a.jpg")}).status);
 }
 
 TEST_F(Batch, Folder_TakesTheImagesRightInIt) {
@@ -160,18 +130,6 @@ TEST_F(Batch, BrokenAndMissingFiles_CostTheOthersNothing) {
     EXPECT_EQ(4U, good);
 }
 
-TEST_F(Batch, FilesOfOneName_KeepBothResults) {
-    const std::string a = Photo("one/a.jpg", 640, 480, 1);
-    const std::string b = Photo("two/a.jpg", 640, 480, 2);
-    EXPECT_EQ(0, Orvelle({"batch", "--filter", "EXIF", "--output", Out("r.tsv"), a, b}).status);
-    const std::vector<std::string> lines = Lines(ReadFile(Out("r.tsv")));
-    ASSERT_EQ(3U, lines.size());
-    const std::string first = Cells(lines[1])[4];
-    const std::string second = Cells(lines[2])[4];
-    EXPECT_NE(first, second);
-    EXPECT_NE(ReadFile(first), ReadFile(second));
-}
-
 TEST_F(Batch, OutputThatCannotBeWritten_IsToldFirst) {
     const Ended ended = Run({"--output", "/proc/r.html", Photo("a.jpg")});
     EXPECT_EQ(5, ended.status);
@@ -225,22 +183,6 @@ TEST_F(Batch, OddNames_AreFilesLikeOthers) {
         ASSERT_EQ(2U, lines.size()) << name;
         EXPECT_EQ(5U, Cells(lines[1]).size()) << name;
     }
-}
-
-TEST_F(Batch, ManifestHoldsWhatSha256sumSays) {
-    const std::string photo = Photo("a.jpg");
-    ASSERT_EQ(0, Run({"--output", Out("r.html"), photo}).status);
-    const nlohmann::json manifest = Manifest(Out("r.html"));
-    ASSERT_EQ(1U, manifest["inputs"].size());
-    EXPECT_EQ(photo, manifest["inputs"][0]["path"]);
-    EXPECT_EQ(false, manifest["inputs"][0]["changed"]);
-    const Ended sum = RunProgram("/usr/bin/sha256sum", {photo});
-    EXPECT_EQ(sum.out.substr(0, 64), manifest["inputs"][0]["sha256"]);
-    ASSERT_EQ(3U, manifest["outputs"].size());
-    EXPECT_EQ("r.html", manifest["outputs"][2]["path"]);
-    EXPECT_EQ(RunProgram("/usr/bin/sha256sum", {Out("r.html")}).out.substr(0, 64), manifest["outputs"][2]["sha256"]);
-    EXPECT_EQ("orvelle", manifest["tool"]["name"]);
-    EXPECT_FALSE(Contains(ReadFile(Out("r.html.manifest.json")), "API Key"));
 }
 
 TEST_F(Batch, Verify_TellsWhatChanged) {

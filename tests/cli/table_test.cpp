@@ -105,16 +105,6 @@ TEST_F(Table, JsonLines_ComeFromAListOfNames) {
     EXPECT_EQ("320x240", nlohmann::json::parse(lines[1])["cells"]["Image Displayed Size"]);
 }
 
-TEST_F(Table, Counts_AreThoseOfInfo) {
-    const std::string flagged = Flagged("b.png");
-    const auto table = nlohmann::json::parse(Orvelle({"table", flagged, "--format", "jsonl"}).out);
-    const auto info = nlohmann::json::parse(Orvelle({"info", flagged, "--format", "json"}).out);
-    const auto counts = info.is_array() ? info[0]["counts"] : info["counts"];
-    EXPECT_EQ(counts["hard"], table["counts"]["hard"]);
-    EXPECT_EQ(counts["soft"], table["counts"]["soft"]);
-    EXPECT_EQ(1, Orvelle({"table", flagged, "--fail-on", "hard"}).status);
-}
-
 TEST_F(Table, EachFormat_IsWritten) {
     Photo("f/a.jpg");
     EXPECT_EQ(1U, nlohmann::json::parse(Orvelle({"table", Path("f"), "--format", "json"}).out).size());
