@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <set>
 
 #include "tests/support/engine.h"
 #include "tolbase/exception.h"
@@ -291,8 +292,11 @@ TEST_F(Loading, CacheThatMayNotBeWritten_LeavesNoPieces) {
     std::filesystem::path const folder((dir / ("documents/cache/a-" + Md5(path))).utf8_string());
     std::filesystem::create_directories(folder / "a.jpg" / "x");
     EXPECT_EQ("none", FailureOf(path));
-    std::filesystem::directory_iterator const begin(folder);
-    EXPECT_EQ(1, std::distance(begin, std::filesystem::directory_iterator()));
+    std::set<std::string> names;
+    for (auto const& entry : std::filesystem::directory_iterator(folder)) {
+        names.insert(entry.path().filename().string());
+    }
+    EXPECT_EQ((std::set<std::string>{"a.jpg", ".versions"}), names);
 }
 
 TEST_F(Loading, Evidence_IsNotTouched) {
