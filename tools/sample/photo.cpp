@@ -13,7 +13,7 @@ namespace sample {
 namespace {
 
 constexpr char const* TakenAt = "2023:09:17 10:42:36";
-constexpr int PatchQuality = 62;
+constexpr int SharedQuality = 62;
 constexpr int ProgramQuality = 91;
 constexpr int ThumbnailLongSide = 160;
 
@@ -155,8 +155,9 @@ Photo MakePhoto(Picture const& picture, uint32_t seed) {
 }
 
 TamperedPhoto Tamper(Photo const& photo, Cutout const& object, uint32_t seed) {
-    Picture picture = Decode(photo.jpeg);
-    const Picture part = Decode(EncodeAsProgram(Cut(picture, object.box), PatchQuality));
+    const Picture original = Decode(photo.jpeg);
+    const Picture part = Cut(original, object.box);
+    Picture picture = Decode(EncodeAsProgram(original, SharedQuality));
     // Off the 8 by 8 grid in both directions.
     const int left = std::clamp((object.box.x - picture.width * 27 / 100) / 8 * 8 + 3, 0, picture.width - part.width);
     const int top = std::clamp((object.box.y + picture.height / 60) / 8 * 8 + 5, 0, picture.height - part.height);

@@ -23,8 +23,9 @@ struct TamperedPhoto {
     Box region;  // the least box around the pasted pixels
 };
 
-// A copy in which the object was saved at a low quality and pasted a second time, further to the left. The thumbnail is
-// that of the untouched photograph, as careless editing leaves it.
+// A copy that had been saved at a low quality, as a picture that was passed on, before the object was pasted into it
+// from the camera's own file, further to the left. The thumbnail is that of the untouched photograph, as careless
+// editing leaves it.
 TamperedPhoto Tamper(Photo const& photo, Cutout const& object, uint32_t seed);
 
 }  // namespace sample
