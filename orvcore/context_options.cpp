@@ -47,6 +47,28 @@ StartSettings ReadStartSettings(wxString const& path) {
     return settings;
 }
 
+// One entry for each entry of the list that fits a configuration. Where several configurations are alike, an entry fits
+// all of them: written once for each, the list would be squared with each saving.
+VecString UntranslatedConfigurations(OrvContext const& context, VecString const& list) {
+    struct Group {
+        VecString entries;
+        size_t taken = 0;
+    };
+    std::map<wxString, Group> groups;
+    VecString result;
+    for (wxString const& entry : list) {
+        bool const disabled = entry.StartsWith("!");
+        wxString const plain = entry.Mid(disabled ? 1 : 0);
+        auto const [found, isNew] = groups.try_emplace(plain);
+        Group& group = found->second;
+        if (isNew) group.entries = context.ConvertToUntranslatedConfigurations({plain});
+        if (group.entries.empty()) continue;
+        size_t const index = std::min(group.taken++, group.entries.size() - 1);
+        result.push_back((disabled ? "!" : "") + group.entries[index]);
+    }
+    return result;
+}
+
 // An address that is left empty is the documented one.
 void ApplyWebServices(VecVecParameter const& options) {
     TolWebServices services;
@@ -235,7 +257,7 @@ void OrvContext::SaveProgramOptions(wxString const& path) const {
         VecVecParameter options = m_programOptions;
         if (!options.empty() && options[0].size() >= OrvOptionCount) {
             Parameter& option = options[0][OrvOptionConfigurations];
-            option.Set(boost::any(ConvertToUntranslatedConfigurations(option.GetValue<VecString>())));
+            option.Set(boost::any(UntranslatedConfigurations(*this, option.GetValue<VecString>())));
         }
         options.Write(path);
     } catch (...) {

@@ -60,7 +60,7 @@ bool IsSavable(double value) {
 }
 
 bool IsWholeInt(double value, int least) {
-    return std::isfinite(value) && value > least - 1.0 && value < 2147483648.0;
+    return std::isfinite(value) && std::trunc(value) >= least && value < 2147483648.0;
 }
 
 // The file's words; false if they can't be read, or if the file is no whole number of them.

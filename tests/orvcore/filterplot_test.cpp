@@ -238,7 +238,8 @@ TEST(PlotFiles, LyingFiles_AreRefused) {
         {1e300, 0, 0, 1, 0, 1},      {2147483647, 0, 0, 1, 0, 1},  {2, 0, 0, 1, 0, 1, 5, 6},
         {1, nan, 0, 1, 0, 1, 5, 6},  {1, 1e300, 0, 1, 0, 1, 5, 6}, {1, 0, infinite, 1, 0, 1, 5, 6},
         {1, 0, 0, 1, 0, nan, 5, 6},  {1, 0, 0, 1, 0, 1, nan, 6},   {1, 0, 0, 1, 0, 1, 5, infinite},
-        {1, 0, 0, 1, 0, 1, 5, 1e39}, {1, 0, 0, 1, 0, 1, 5},        {1, 0, 0, 1, 0}};
+        {1, 0, 0, 1, 0, 1, 5, 1e39}, {1, 0, 0, 1, 0, 1, 5},        {1, 0, 0, 1, 0},
+        {3e-28, 0, 0, 1, 0, 1, 5, 6}};
     for (std::vector<double> const& words : files) {
         OrvPlotData data = Sample();
         EXPECT_FALSE(Loaded(Words(words), data)) << testing::PrintToString(words);

@@ -338,6 +338,19 @@ TEST_F(Options, SavedList_MarksADisabledConfiguration) {
     EXPECT_EQ(saved, FromJson<VecString>(list));
 }
 
+TEST_F(Options, SavedList_OfEqualConfigurations_DoesNotGrow) {
+    PlainFilter* const plain = Plain();
+    plain->AddConfiguration(VecParameter(), -1);
+    plain->AddConfiguration(VecParameter(), -1);
+    plain->EnableConfiguration(1, false);
+    StartOptions();
+    for (int i = 0; i < 4; ++i) {
+        context->SaveProgramOptions(dir / "o.ovs");
+        context->LoadProgramOptions(dir / "o.ovs");
+    }
+    EXPECT_EQ((VecString{"Plain", "!Plain", "Plain"}), Configurations());
+}
+
 TEST_F(Options, SavedList_LosesAnEntryWhoseFilterIsNotFound) {
     Modes();
     Plain("Two-Part", 5);
