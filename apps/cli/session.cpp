@@ -93,6 +93,8 @@ Session::Session(Environment& environment) : m_environment(environment), m_sink(
     AppVersion version;
     version.SetAppName("orvelle");
     version.SetEngineRevision(FromUtf8(ProgramVersion()));
+    version.SetBuildDate(FromUtf8(BuildDate()));
+    version.SetPlatform(FromUtf8(PlatformName()));
     version.SetLangDir(m_context->GetConfigDir() + "lang");
     m_context->InitProgramOptions(version);
     m_context->SetAppVersion(version);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/cli/versions.h"
 
+#include <sys/utsname.h>
+
 #include <CLI/Version.hpp>
 #include <algorithm>
 
@@ -11,6 +13,16 @@ namespace cli {
 
 std::string ProgramVersion() {
     return ORVELLE_VERSION;
+}
+
+std::string BuildDate() {
+    return ORVELLE_BUILD_DATE;
+}
+
+std::string PlatformName() {
+    utsname names{};
+    if (::uname(&names) != 0) return "Linux";
+    return std::string(names.sysname) + " " + names.release + " " + names.machine;
 }
 
 std::vector<std::pair<std::string, std::string>> const& ComponentVersions() {

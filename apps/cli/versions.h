@@ -9,6 +9,10 @@
 namespace cli {
 
 std::string ProgramVersion();
+// The day, in UTC: 2026-01-31.
+std::string BuildDate();
+// System, its version and processor, as in: Linux 6.1.0 x86_64.
+std::string PlatformName();
 // Name and version, sorted by name. Asks ExifTool for its own.
 std::vector<std::pair<std::string, std::string>> const& ComponentVersions();
 // The text of --version, lines with their ends.
