@@ -91,7 +91,8 @@ public:
     // Where it writes it; empty for a project without bookmarks.
     wxString GetReportPath() const;
     // Writes the list as an HTML page beside the project's file, or beside the first Evidence of an unsaved project,
-    // and returns its path. An empty text, and no file, for a project without bookmarks.
+    // and returns its path. An empty text, and no file, for a project without bookmarks; an empty text, and an old file
+    // whole, where it can't be written.
     wxString GenerateReport() const;
 
     // The content of the project's file. The paths are relative to the folder of GetFilename.

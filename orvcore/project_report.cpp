@@ -60,7 +60,9 @@ wxString ReportPath(const wxString& project, const std::vector<OrvBookmark>& boo
 
 wxString OrvProject::GetReportText() const {
     if (m_bookmarks.empty()) return {};
-    const wxString program = wxTheApp != nullptr ? wxTheApp->GetAppDisplayName() : wxString();
+    // wxTheApp would promise an application with windows.
+    const wxAppConsole* const application = wxAppConsole::GetInstance();
+    const wxString program = application != nullptr ? application->GetAppDisplayName() : wxString();
     wxString text = HtmlWriter::DoHeader("style.css", wxString()) +
                     HtmlWriter::DoH(1, Translated(wxString::Format("%s Report", program)), wxString());
     int number = 0;
@@ -74,6 +76,5 @@ wxString OrvProject::GetReportPath() const {
 
 wxString OrvProject::GenerateReport() const {
     const wxString path = GetReportPath();
-    if (!path.empty()) WriteFile(path, GetReportText());
-    return path;
+    return !path.empty() && WriteFile(path, GetReportText()) ? path : wxString();
 }

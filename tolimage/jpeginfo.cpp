@@ -65,6 +65,7 @@ private:
     std::array<std::string, 4> m_turnedPayloads;
     std::array<JpegQuantTable, 4> m_tables{};
     std::array<bool, 4> m_hasTable{};
+    bool m_hasTableInFront = false;  // of the first scan
     std::array<std::array<JpegHuffmanTable, 2>, kSets> m_huffman{};
     std::array<std::array<bool, 2>, kSets> m_hasHuffman{};
     std::array<bool, kSets> m_isOddHuffman{};
@@ -105,6 +106,7 @@ void Collector::TakeDqt(JpegSegment const& segment) {
             if (tables[i].empty() || (m_hasScan && m_hasTable[i])) continue;
             m_tables[i] = tables[i].back();
             m_hasTable[i] = true;
+            if (!m_hasScan) m_hasTableInFront = true;
         }
     };
     try {
@@ -180,8 +182,7 @@ void Collector::Estimate(bool allEstimates) {
 }
 
 void Collector::Finish(bool allEstimates) {
-    const bool hasAnyTable = m_hasTable[0] || m_hasTable[1] || m_hasTable[2] || m_hasTable[3];
-    m_info.IsValid = hasAnyTable || IsLossless(m_frame.code);
+    m_info.IsValid = m_hasTableInFront || IsLossless(m_frame.code);
     if (m_frame.code != 0) {
         m_info.Width = m_frame.width;
         m_info.Height = m_frame.height;

@@ -83,6 +83,12 @@ TEST(JpegInfo, QtHash_LaterSegmentOfTheIndexReplaces) {
     EXPECT_EQ(101, info.QuantizationTables[0][0][0]);
 }
 
+TEST(JpegInfo, TablesBehindTheFirstScanAlone_MakeNoRecordOfAnyDepth) {
+    JpegBuilder builder;
+    builder.Soi().GreyFrame(8, 8).Scan().Dqt(0, FlatTable(9)).Scan().Eoi();
+    for (const int depth : {1, 2}) EXPECT_FALSE(Read(builder.Build(), depth).IsValid) << depth;
+}
+
 TEST(JpegInfo, QtHash_TablesBehindTheFirstScanDontCount) {
     JpegBuilder builder = Colour();
     builder.Scan().Dqt(0, FlatTable(9)).Dqt(2, FlatTable(7)).Scan().Eoi();
