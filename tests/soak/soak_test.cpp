@@ -128,15 +128,23 @@ protected:
         std::uint64_t answers = 0;
         PostOne();
         for (unsigned more = random() % 4; more > 0; --more) {
-            if (random() % 3 == 0) std::this_thread::sleep_for(std::chrono::microseconds(random() % 3000));
+            if (random() % 3 == 0) std::this_thread::sleep_for(std::chrono::microseconds(random() % 10000));
             DoOne();
-            // The last command of the turn takes an answer in any case, so one may be given ahead.
-            if (answers == 0 && random() % 3 == 0) {
+            if (answers == 0 && HasEvent()) {
+                LookAround();
                 iface->PostResponse();
                 ++answers;
             }
         }
         Finish(start, answers);
+    }
+    // True if a command has told its result, and so waits for the answer.
+    bool HasEvent() {
+        recorder.Pump();
+        auto const& events = recorder.events;
+        return std::any_of(events.begin(), events.end(), [](OrvCommandEvent const& event) {
+            return event.GetId() == OrvCommandIdFilterDone || event.GetId() == OrvCommandIdFilterFailed;
+        });
     }
     void DoOne() {
         switch (random() % 4) {
