@@ -32,7 +32,7 @@ install(TARGETS orvelle RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT 
 install(EXPORT orvelleTargets NAMESPACE orvelle:: DESTINATION "${orv_cmake_dir}" COMPONENT development)
 configure_package_config_file(cmake/orvelleConfig.cmake.in "${PROJECT_BINARY_DIR}/orvelleConfig.cmake"
   INSTALL_DESTINATION "${orv_cmake_dir}")
-write_basic_package_version_file("${PROJECT_BINARY_DIR}/orvelleConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/orvelleConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
 install(FILES "${PROJECT_BINARY_DIR}/orvelleConfig.cmake" "${PROJECT_BINARY_DIR}/orvelleConfigVersion.cmake"
   DESTINATION "${orv_cmake_dir}" COMPONENT development)
 execute_process(COMMAND "${WX_CONFIG}" --cxxflags core
@@ -53,4 +53,3 @@ foreach(orv_file IN LISTS orv_report_style)
   get_filename_component(orv_name "${orv_file}" NAME)
   configure_file("${orv_file}" "${PROJECT_BINARY_DIR}/share/orvelle/report-style/${orv_name}" COPYONLY)
 endforeach()
-install(FILES LICENSE README.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT runtime)

@@ -44,7 +44,7 @@ function(orv_shared target)
   add_library(${target} SHARED ${objects})
   add_library(orvelle::${target} ALIAS ${target})
   set_target_properties(${target} PROPERTIES OUTPUT_NAME ${shared_OUTPUT} LINKER_LANGUAGE CXX
-    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    VERSION ${PROJECT_VERSION} SOVERSION ${ORVELLE_ABI}
     INSTALL_RPATH "$ORIGIN")
   target_link_libraries(${target} PRIVATE ${external} orv_compile ${shared_LINK})
   target_link_options(${target} PRIVATE -Wl,--no-undefined -Wl,--as-needed)
