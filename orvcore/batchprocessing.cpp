@@ -11,6 +11,7 @@
 #include "orvcore/command.h"
 #include "orvcore/context.h"
 #include "orvcore/filter.h"
+#include "orvcore/filtertext.h"
 #include "orvcore/optionnumbers.h"
 #include "orvcore/reportfile.h"
 #include "orvcore/translate.h"
@@ -91,6 +92,17 @@ void TakeReportWidths() {
     context->SetOutputImageMinWidth(options[0][OrvOptionReportMinWidth].GetValue<int>());
 }
 
+// Tables and texts give the path an ending of their own.
+wxString WrittenPath(OrvFilter const& filter, wxString const& path) {
+    wxString ending;
+    if (dynamic_cast<OrvFilterText const*>(&filter) != nullptr) ending = ".html";
+    if (dynamic_cast<OrvFilterTextCustom const*>(&filter) != nullptr) ending = ".txt";
+    if (ending.empty()) return path;
+    const size_t point = path.rfind('.');
+    const wxString other = path.substr(0, point) + ending;
+    return point != wxString::npos && wxFileName::FileExists(other) ? other : path;
+}
+
 // The event of a run says something only to a program that shows this run.
 void DropEvent() {
     delete GetContext()->PopEvent();
@@ -155,7 +167,8 @@ private:
     // One configuration on the file in the slot.
     struct Outcome {
         FilterStatus status = FilterStatus::NotCalculated;
-        wxString path;
+        wxString path;     // as asked for; the report's fragment goes by it
+        wxString written;  // the file that is there
         wxString error;
         bool stale = false;  // the filter shows something else than this run
     };
@@ -323,7 +336,7 @@ void BatchRun::RunConfiguration(OrvFilter& filter, OrvFilterConfiguration const&
     if (!m_monitor.onResult) return;
     const bool available = outcome.status == FilterStatus::Ok || outcome.status == FilterStatus::Warning;
     m_monitor.onResult({file, filter.GetName(), GetParametersString(configuration, true), outcome.status,
-                        available ? outcome.path : wxString(), outcome.error});
+                        available ? outcome.written : wxString(), outcome.error});
 }
 
 BatchRun::Outcome BatchRun::Configure(OrvFilter& filter, OrvFilterConfiguration const& configuration) const {
@@ -373,9 +386,11 @@ void BatchRun::Save(OrvFilter& filter, Outcome& outcome) {
         outcome.path = m_names->Place(filter.GetExportFilename(true));
         CreateDirIfNotExists(wxPathOnly(outcome.path));
         filter.SaveOutputBatch(outcome.path);
+        outcome.written = WrittenPath(filter, outcome.path);
     });
     if (error.empty()) return;
     outcome.path.clear();
+    outcome.written.clear();
     outcome.error = error;
 }
 
@@ -387,7 +402,7 @@ void BatchRun::Report(OrvFilter const& filter, VecParameter const& configuration
         const bool available = !outcome.stale && filter.IsStatusAvailable(Evidence);
         m_report->Append(OrvBatchTsvLine({file, OrvTranslate(filter.GetName()), parameters,
                                           OrvTranslate(OrvFilterConfiguration::GetStatusString(outcome.status)),
-                                          available ? outcome.path : wxString()}));
+                                          available ? outcome.written : wxString()}));
         return;
     }
     // The line beneath the file's heading has said it all.
@@ -405,6 +420,8 @@ void BatchRun::Report(OrvFilter const& filter, VecParameter const& configuration
 wxString BatchRun::Finish() {
     if (m_report != nullptr) {
         Append(HtmlWriter::DoFooter());
+        const wxString readable = m_monitor.onReport ? m_report->FlushedPath() : wxString();
+        if (!readable.empty()) m_monitor.onReport(readable);
         if (!m_report->Commit()) Fail(wxString::Format(OrvTranslate("The report can't be written: %s"), m_reportPath));
         m_report.reset();
     }

@@ -33,6 +33,8 @@ struct OrvBatchMonitor {
     // As soon as a file is loaded, or could not be: `error` is then the reason.
     std::function<void(wxString const& file, wxString const& error)> onFile;
     std::function<void(OrvBatchResult const& result)> onResult;
+    // Once the report is whole and before it stands in its place: `readable` is a path that gives its bytes until then.
+    std::function<void(wxString const& readable)> onReport;
 
     // Set by the run.
     size_t files = 0;           // in the list

@@ -83,9 +83,18 @@ void OrvReportFile::Flush() {
     m_pending.clear();
 }
 
+wxString OrvReportFile::FlushedPath() {
+    if (m_ok) Flush();
+    return m_ok && !m_special ? PathFromBytes(OwnPath()) : wxString();
+}
+
+std::string OrvReportFile::OwnPath() const {
+    return "/proc/self/fd/" + std::to_string(m_descriptor);
+}
+
 bool OrvReportFile::PutInPlace() {
     if (fsync(m_descriptor) != 0) return false;
-    const std::string own = "/proc/self/fd/" + std::to_string(m_descriptor);
+    const std::string own = OwnPath();
     for (int attempt = 0; m_temporary.empty() && attempt < NameAttempts; ++attempt) {
         const std::string name = FreeName(m_target, attempt);
         if (linkat(AT_FDCWD, own.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {

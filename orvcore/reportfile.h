@@ -21,12 +21,16 @@ public:
     bool IsOk() const { return m_ok; }
     // Adds the text in UTF-8.
     void Append(wxString const& text);
+    // Writes what is pending. Empty if that, or any writing before, failed, and for a pipe or device; else a path at
+    // which this process can read all that was written, until Commit.
+    wxString FlushedPath();
     // Brings all to the disk and puts the file in its place. False if that, or any writing before, failed.
     bool Commit();
 
 private:
     void Open();
     void Flush();
+    std::string OwnPath() const;
     bool PutInPlace();
 
     std::string m_target;

@@ -9,6 +9,7 @@
 
 #include "orvcore/reportstyle.h"
 #include "tests/orvcore/recordingfilter.h"
+#include "tests/orvcore/resultfilters.h"
 #include "tolbase/exception.h"
 #include "tolbase/progress.h"
 
@@ -95,6 +96,37 @@ TEST_F(Batch, Tsv_HasALineForEachFileFilterAndConfiguration) {
                   line(second, "b.jpg", "Beta\tHigh\tOk", "-Beta-High.txt"),
               ReadFile(out + "/r.tsv"));
     EXPECT_EQ("Alpha of " + second, ReadFile(out + "/b.jpg-Alpha-3.txt"));
+}
+
+TEST_F(Batch, OutputPath_IsThatOfTheFileThatIsThere) {
+    auto* const table = Add(new support::TextFilter("Table"));
+    table->Out() = {CreateParameterTable("Table", "")};
+    table->Out()[0].Set(boost::any(VecVecString{{"a", "b"}}));
+    auto* const text = Add(new support::CustomFilter("Text"));
+    text->SetText("words");
+    table->onApply = [table](OrvFileId id) { table->SetStatusOf(id, Status::Ok); };
+    text->onApply = [text](OrvFileId id) { text->SetStatusOf(id, Status::Ok); };
+    VecString told;
+    monitor.onResult = [&told](OrvBatchResult const& result) { told.push_back(result.outputPath); };
+    const wxString file = Jpeg("a.jpg");
+    const wxString report = ReadFile(Process(Listed({file}, 2, out + "/r.tsv")));
+    EXPECT_EQ((VecString{out + "/a.jpg-Table.html", out + "/a.jpg-Text.txt"}), told);
+    EXPECT_TRUE(report.Contains("\tOk\t" + out + "/a.jpg-Table.html\n")) << report;
+    for (const wxString& path : told) EXPECT_TRUE(wxFileExists(path)) << path;
+}
+
+TEST_F(Batch, Report_CanBeReadBeforeItStandsInItsPlace) {
+    AddFilter("Alpha");
+    wxString readable;
+    bool stoodThere = true;
+    monitor.onReport = [&](const wxString& path) {
+        readable = ReadFile(path);
+        stoodThere = wxFileExists(out + "/r.tsv");
+    };
+    const wxString report = ReadFile(Process(Listed({Jpeg("a.jpg")}, 2, out + "/r.tsv")));
+    EXPECT_FALSE(stoodThere);
+    EXPECT_EQ(report, readable);
+    EXPECT_TRUE(report.StartsWith(Header));
 }
 
 TEST_F(Batch, OutputModes_SaveNothingFilesOrBoth) {
