@@ -3,42 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/pdfbuilder.h"
 #include "tests/tolimage/pictures.h"
 #include "tolbase/limits.h"
 #include "tolimage/subimages.h"
 
 using namespace pictures;
+using support::Pdf;
 
 namespace {
-
-// A document of the given stream objects, numbered from 3 on.
-std::string Pdf(std::vector<std::pair<std::string, std::string>> const& streams) {
-    std::string file = "%PDF-1.4\n";
-    std::vector<size_t> places;
-    const auto add = [&](std::string const& body) {
-        places.push_back(file.size());
-        file += std::to_string(places.size()) + " 0 obj\n" + body + "\nendobj\n";
-    };
-    add("<< /Type /Catalog /Pages 2 0 R >>");
-    add("<< /Type /Pages /Kids [] /Count 0 >>");
-    for (auto const& stream : streams) {
-        add("<< " + stream.first + " /Length " + std::to_string(stream.second.size()) + " >>\nstream\n" +
-            stream.second + "\nendstream");
-    }
-    const size_t table = file.size();
-    file += "xref\n0 " + std::to_string(places.size() + 1) + "\n0000000000 65535 f \n";
-    for (const size_t place : places) {
-        const std::string digits = std::to_string(place);
-        file += std::string(10 - digits.size(), '0') + digits + " 00000 n \n";
-    }
-    return file + "trailer\n<< /Size " + std::to_string(places.size() + 1) + " /Root 1 0 R >>\nstartxref\n" +
-           std::to_string(table) + "\n%%EOF\n";
-}
-
-std::string Head(int width, int height, std::string const& more) {
-    return "/Type /XObject /Subtype /Image /Width " + std::to_string(width) + " /Height " + std::to_string(height) +
-           " " + more;
-}
 
 class PdfImages : public ::testing::Test {
 protected:
@@ -54,7 +27,7 @@ protected:
 
 TEST_F(PdfImages, JpegStream_IsWrittenByteForByte) {
     const std::string jpeg = support::ReadBytes(SaveJpeg(dir / "a.jpg"));
-    const VecString files = Dump(Pdf({{Head(64, 48, "/Filter /DCTDecode"), jpeg}}));
+    const VecString files = Dump(Pdf({{support::PdfImageHead(64, 48, "/Filter /DCTDecode"), jpeg}}));
     ASSERT_EQ(1U, files.size());
     EXPECT_TRUE(files[0].StartsWith(dir / "dump/file-")) << files[0].utf8_str();
     EXPECT_TRUE(files[0].EndsWith("/file-3.jpg")) << files[0].utf8_str();
@@ -63,17 +36,18 @@ TEST_F(PdfImages, JpegStream_IsWrittenByteForByte) {
 
 TEST_F(PdfImages, WrappedJpeg_IsUnwrapped) {
     const std::string jpeg = support::ReadBytes(SaveJpeg(dir / "a.jpg"));
-    const VecString files = Dump(Pdf({{Head(64, 48, "/Filter [/FlateDecode /DCTDecode]"), Deflated(jpeg)}}));
+    const VecString files =
+        Dump(Pdf({{support::PdfImageHead(64, 48, "/Filter [/FlateDecode /DCTDecode]"), Deflated(jpeg)}}));
     ASSERT_EQ(1U, files.size());
     EXPECT_TRUE(jpeg == support::ReadBytes(files[0]));
 }
 
 TEST_F(PdfImages, FlatePictures_BecomePng) {
     const std::string common = "/BitsPerComponent 8 /Filter /FlateDecode /ColorSpace ";
-    const VecString files =
-        Dump(Pdf({{Head(2, 1, common + "/DeviceRGB"), Deflated(Bytes({200, 100, 50, 3, 2, 1}))},
-                  {Head(2, 1, common + "/DeviceGray"), Deflated(Bytes({7, 9}))},
-                  {Head(2, 1, common + "[/Indexed /DeviceRGB 1 <0102030A141E>]"), Deflated(Bytes({1, 0}))}}));
+    const VecString files = Dump(Pdf(
+        {{support::PdfImageHead(2, 1, common + "/DeviceRGB"), Deflated(Bytes({200, 100, 50, 3, 2, 1}))},
+         {support::PdfImageHead(2, 1, common + "/DeviceGray"), Deflated(Bytes({7, 9}))},
+         {support::PdfImageHead(2, 1, common + "[/Indexed /DeviceRGB 1 <0102030A141E>]"), Deflated(Bytes({1, 0}))}}));
     ASSERT_EQ(3U, files.size());
     Image colour(tcvLoadImage(files[0], true, false));
     EXPECT_EQ(50, colour.Data()[0]);
@@ -87,11 +61,11 @@ TEST_F(PdfImages, FlatePictures_BecomePng) {
 
 TEST_F(PdfImages, OthersAndShortOnes_ArePassedOver) {
     const std::string common = "/BitsPerComponent 8 /Filter /FlateDecode /ColorSpace ";
-    EXPECT_TRUE(Dump(Pdf({{Head(2, 2, common + "/DeviceRGB"), Deflated("abc")},
-                          {Head(2, 1, common + "/DeviceCMYK"), Deflated("abcdefgh")},
-                          {Head(0, 1, common + "/DeviceGray"), Deflated("a")},
-                          {Head(100000, 100000, common + "/DeviceGray"), Deflated("a")},
-                          {Head(2, 1, common + "/DeviceGray"), "no deflate"},
+    EXPECT_TRUE(Dump(Pdf({{support::PdfImageHead(2, 2, common + "/DeviceRGB"), Deflated("abc")},
+                          {support::PdfImageHead(2, 1, common + "/DeviceCMYK"), Deflated("abcdefgh")},
+                          {support::PdfImageHead(0, 1, common + "/DeviceGray"), Deflated("a")},
+                          {support::PdfImageHead(100000, 100000, common + "/DeviceGray"), Deflated("a")},
+                          {support::PdfImageHead(2, 1, common + "/DeviceGray"), "no deflate"},
                           {"/Type /Other", "text"}}))
                     .empty());
     EXPECT_FALSE(wxDirExists(dir / "dump"));
@@ -99,8 +73,8 @@ TEST_F(PdfImages, OthersAndShortOnes_ArePassedOver) {
 
 TEST_F(PdfImages, MinimumSide_LeavesOutTheSmall) {
     const std::string common = "/BitsPerComponent 8 /ColorSpace /DeviceGray";
-    const wxString path =
-        support::WriteBytes(dir / "file.pdf", Pdf({{Head(2, 1, common), "ab"}, {Head(2, 2, common), "abcd"}}));
+    const wxString path = support::WriteBytes(dir / "file.pdf", Pdf({{support::PdfImageHead(2, 1, common), "ab"},
+                                                                     {support::PdfImageHead(2, 2, common), "abcd"}}));
     VecParameter parameters;
     parameters.push_back(CreateParameterInt("Minimum Side", "", 2));
     EXPECT_EQ(1U, tcvDumpImagesFromPdf(path, parameters).size());
@@ -117,21 +91,22 @@ TEST_F(PdfImages, NoPdf_HasNone) {
 
 TEST_F(PdfImages, EachTruncation_IsSurvived) {
     const std::string jpeg = support::ReadBytes(SaveJpeg(dir / "a.jpg", 16, 16));
-    const std::string whole = Pdf({{Head(16, 16, "/Filter /DCTDecode"), jpeg}});
+    const std::string whole = Pdf({{support::PdfImageHead(16, 16, "/Filter /DCTDecode"), jpeg}});
     for (size_t size = 0; size < whole.size(); size += 23) EXPECT_NO_THROW(Dump(whole.substr(0, size))) << size;
 }
 
 TEST_F(PdfImages, Bomb_IsPassedOver) {
     const std::string bomb = Deflated(std::string(4U << 20, 'x'));
     SetTolLimit(TolLimit::EmbeddedImageBytes, 1U << 20);
-    const VecString files = Dump(Pdf({{Head(64, 48, "/Filter [/FlateDecode /DCTDecode]"), bomb}}));
+    const VecString files = Dump(Pdf({{support::PdfImageHead(64, 48, "/Filter [/FlateDecode /DCTDecode]"), bomb}}));
     SetTolLimit(TolLimit::EmbeddedImageBytes, 0);
     EXPECT_TRUE(files.empty());
 }
 
 TEST_F(PdfImages, Number_IsBounded) {
     SetTolLimit(TolLimit::EmbeddedImages, 2);
-    const std::pair<std::string, std::string> picture(Head(2, 1, "/BitsPerComponent 8 /ColorSpace /DeviceGray"), "ab");
+    const std::pair<std::string, std::string> picture(
+        support::PdfImageHead(2, 1, "/BitsPerComponent 8 /ColorSpace /DeviceGray"), "ab");
     const VecString files = Dump(Pdf({picture, picture, picture}));
     SetTolLimit(TolLimit::EmbeddedImages, 0);
     EXPECT_EQ(2U, files.size());
