@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <mutex>
 
+#include "apps/cli/arguments.h"
 #include "apps/cli/clicontext.h"
 #include "apps/cli/failure.h"
 #include "apps/cli/filterchoice.h"
@@ -50,7 +51,7 @@ void Watch::OnFile(wxString const& file, wxString const& error) {
     const std::string path = PathToBytes(file);
     failed = error.empty() ? "" : path;
     if (!error.empty()) {
-        environment.terminal.Error(path, ToUtf8(error));
+        environment.terminal.Error(NameOf(request, path), ToUtf8(error));
         outcome.code = Worse(outcome.code, ExitInput);
     } else if (request.manifest) {
         request.manifest->AddInput(path);
@@ -62,7 +63,7 @@ void Watch::OnResult(OrvBatchResult const& result) {
     const std::string path = PathToBytes(result.file);
     outcome.hasWarning = outcome.hasWarning || result.status == OrvFilterConfiguration::Warning;
     if (!result.error.empty() && path != failed) {
-        environment.terminal.Error(path, ToUtf8(result.filter) + ": " + ToUtf8(result.error));
+        environment.terminal.Error(NameOf(request, path), ToUtf8(result.filter) + ": " + ToUtf8(result.error));
         outcome.code = Worse(outcome.code, ExitFilter);
     }
     if (request.manifest && !result.outputPath.empty()) request.manifest->AddOutput(PathToBytes(result.outputPath));
@@ -89,6 +90,9 @@ void Work(Watch& watch) {
     OrvBatchMonitor monitor;
     monitor.onFile = [&watch](wxString const& file, wxString const& error) { watch.OnFile(file, error); };
     monitor.onResult = [&watch](OrvBatchResult const& result) { watch.OnResult(result); };
+    if (watch.request.onReport) {
+        monitor.onReport = [&watch](wxString const& readable) { watch.request.onReport(PathToBytes(readable)); };
+    }
     OrvBatchProcessing(ParametersOf(watch.request), watch.request.plugin, identifiers, watch.outcome.reports, &monitor);
     watch.outcome.failure = ToUtf8(monitor.failure);
     watch.finished = true;
@@ -97,16 +101,9 @@ void Work(Watch& watch) {
 }  // namespace
 
 void BatchOptions::Define(CLI::App& app) {
-    const auto list = [&app](char const* name, std::vector<std::string>& values, char const* type, char const* help) {
-        app.add_option_function<std::vector<std::string>>(
-               name, [&values](std::vector<std::string> const& given) { values = given; }, help)
-            ->type_name(type)
-            ->type_size(1)
-            ->expected(1)
-            ->take_all();
-    };
-    list("--filter", filters, "NAME", "Only this filter; may be given several times");
-    list("--set", settings, "PARAMETER=VALUE", "With one --filter: just the configuration with this value");
+    AddEach(app, "--filter", filters, "Only this filter; may be given several times")->type_name("NAME");
+    AddEach(app, "--set", settings, "With one --filter: just the configuration with this value")
+        ->type_name("PARAMETER=VALUE");
     const auto number = [&app](char const* name, int& value, int least, int most, char const* help) {
         app.add_option(name, value, help)->type_name("NUMBER")->check(CLI::Range(least, most));
     };
@@ -144,6 +141,11 @@ std::vector<std::string> BatchOptions::Arguments() const {
     for (std::string const& filter : filters) arguments.insert(arguments.end(), {"--filter", filter});
     for (std::string const& setting : settings) arguments.insert(arguments.end(), {"--set", setting});
     return arguments;
+}
+
+std::string NameOf(BatchRequest const& request, std::string const& file) {
+    const auto given = request.names.find(file);
+    return given == request.names.end() ? file : given->second;
 }
 
 BatchOutcome RunBatch(Session& session, Environment& environment, BatchRequest const& request) {

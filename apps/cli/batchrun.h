@@ -38,7 +38,8 @@ struct BatchOptions {
 };
 
 struct BatchRequest {
-    std::vector<std::string> files;  // absolute
+    std::vector<std::string> files;            // absolute
+    std::map<std::string, std::string> names;  // by file: as the person gave it, for messages
     BatchMode mode = BatchMode::StatusOnly;
     std::string report;  // absolute; its folder gets the results
     bool plugin = false;
@@ -46,6 +47,9 @@ struct BatchRequest {
     std::shared_ptr<ManifestWriter> manifest;        // null for none
     // Called for each result, on the worker thread.
     std::function<void(OrvBatchResult const&)> onResult;
+    // Called once the report is whole, with a path at which it can be read, before it takes its place; on the worker
+    // thread.
+    std::function<void(std::string const&)> onReport;
 };
 
 struct BatchOutcome {
@@ -55,6 +59,9 @@ struct BatchOutcome {
     std::string failure;  // why the report could not be written
     GriffeyeOrvBatchReportsMap reports;
 };
+
+// The file as the person gave it.
+std::string NameOf(BatchRequest const& request, std::string const& file);
 
 // Runs it on the worker thread. After an interruption what was done stands in the report, too.
 BatchOutcome RunBatch(Session& session, Environment& environment, BatchRequest const& request);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <exception>
 #include <filesystem>
 
 #include "apps/cli/arguments.h"
@@ -89,7 +90,10 @@ private:
             extensions.push_back(ToUtf8(extension));
         const Inputs inputs = FindInputsIfAny(m_files.names, extensions, m_files.recursive, environment.terminal);
         if (inputs.hasFailures) m_code = ExitInput;
-        for (std::string const& file : inputs.files) m_request.files.push_back(AbsolutePath(file));
+        for (std::string const& file : inputs.files) {
+            m_request.files.push_back(AbsolutePath(file));
+            m_request.names.emplace(m_request.files.back(), file);
+        }
     }
 
     void CalculateAhead(Environment const& environment) const {
@@ -115,10 +119,11 @@ private:
         table.keys = {"file", "filter", "configuration", "status", "message"};
         table.titles = {"File", "Filter", "Configuration", "Status", "Message"};
         m_request.mode = BatchMode::StatusOnly;
-        m_request.onResult = [&table](OrvBatchResult const& result) {
+        m_request.onResult = [this, &table](OrvBatchResult const& result) {
             const auto status = static_cast<OrvFilterConfiguration::FilterStatus>(result.status);
-            table.rows.push_back({PathToBytes(result.file), ToUtf8(result.filter), ToUtf8(result.configuration),
-                                  ToUtf8(OrvFilterConfiguration::GetStatusString(status)), ToUtf8(result.error)});
+            table.rows.push_back({NameOf(m_request, PathToBytes(result.file)), ToUtf8(result.filter),
+                                  ToUtf8(result.configuration), ToUtf8(OrvFilterConfiguration::GetStatusString(status)),
+                                  ToUtf8(result.error)});
         };
         CalculateAhead(environment);
         const BatchOutcome outcome = RunBatch(session, environment, m_request);
@@ -170,6 +175,19 @@ private:
                 {"set", m_batch.settings}};
     }
 
+    // The manifest is complete before the report takes its place: a run that is killed in between leaves no report that
+    // the next one would have to take for somebody else's.
+    void FinishManifest(std::string const& readable) {
+        if (m_manifestDone) return;
+        m_manifestDone = true;
+        try {
+            if (!readable.empty()) m_request.manifest->AddOutput(m_request.report, readable);
+            m_changed = m_request.manifest->Finish(IsInterrupted());
+        } catch (...) {
+            m_manifestFailure = std::current_exception();
+        }
+    }
+
     ExitCode RunOutput(Session& session, Environment& environment) {
         std::string folder;
         std::string manifest;
@@ -178,18 +196,22 @@ private:
         RefuseToReplace(manifest, manifest);
         const bool own = !m_noReport && IsOwnOutput(manifest, m_request.report, m_request.files);
         const bool mayReplace = m_output.force || own;
+        // A manifest without its report is what a killed run leaves.
+        const bool orphan = (m_noReport || !Exists(m_request.report)) && IsManifest(manifest);
         if (!m_noReport && !mayReplace && Exists(m_request.report)) {
             throw Failure(ExitOutput, m_output.path, "exists (--force replaces it)");
         }
         RequireWritable(folder, m_output.path);
         OrvInstallReportStyle(GetAppDocumentsPath());
         CalculateAhead(environment);
-        m_request.manifest = std::make_shared<ManifestWriter>(manifest, mayReplace || m_noReport, CommandJson());
+        m_request.manifest = std::make_shared<ManifestWriter>(manifest, mayReplace || orphan, CommandJson());
+        m_request.onReport = [this](std::string const& readable) { FinishManifest(readable); };
         const BatchOutcome outcome = RunBatch(session, environment, m_request);
         if (!outcome.failure.empty()) m_code = Worse(m_code, ExitOutput);
-        if (!m_noReport && outcome.failure.empty()) m_request.manifest->AddOutput(m_request.report);
-        for (std::string const& changed : m_request.manifest->Finish(IsInterrupted())) {
-            environment.terminal.Error(changed, "changed while it was examined");
+        FinishManifest(m_noReport || !outcome.failure.empty() ? "" : m_request.report);
+        if (m_manifestFailure) std::rethrow_exception(m_manifestFailure);
+        for (std::string const& changed : m_changed) {
+            environment.terminal.Error(NameOf(m_request, changed), "changed while it was examined");
             m_code = Worse(m_code, ExitInput);
         }
         if (!m_noReport && outcome.failure.empty()) {
@@ -207,6 +229,9 @@ private:
     std::string m_failOn;
     bool m_noReport = false;
     bool m_statusOnly = false;
+    bool m_manifestDone = false;
+    std::vector<std::string> m_changed;
+    std::exception_ptr m_manifestFailure;
     ExitCode m_code = ExitDone;
 };
 

@@ -132,13 +132,8 @@ private:
         AddText(app, "--note", m_note, "A remark");
         AddText(app, "--status", m_status, std::string("One of: ") + StatusWords);
         // One value an option, so that the arguments behind it stay arguments.
-        app.add_option_function<std::vector<std::string>>(
-               "--set", [this](std::vector<std::string> const& given) { m_settings = given; },
-               "A parameter of the filter; may be given several times")
-            ->type_name("PARAMETER=VALUE")
-            ->type_size(1)
-            ->expected(1)
-            ->take_all();
+        AddEach(app, "--set", m_settings, "A parameter of the filter; may be given several times")
+            ->type_name("PARAMETER=VALUE");
     }
 
     // Takes over what was given.

@@ -74,6 +74,9 @@ public:
         Output output(m_output.path, m_output.force);
         if (output.IsFile(m_file)) throw Failure(ExitOutput, m_output.path, "is the examined file itself");
         const bool madeHere = !std::filesystem::exists(m_folder);
+        if (!madeHere && !std::filesystem::is_directory(m_folder)) {
+            throw Failure(ExitOutput, m_folder, "can't be written: not a folder");
+        }
         if (!madeHere && !m_output.force && !std::filesystem::is_empty(m_folder)) {
             throw Failure(ExitOutput, m_folder, "has files already (--force writes among them)");
         }
@@ -81,7 +84,13 @@ public:
         Session session(environment);
         const auto paths = std::make_shared<VecString>();
         const auto work = [paths, file = AbsoluteOf(m_file), folder = AbsoluteOf(m_folder)] {
-            Carve(file, folder, *paths);
+            try {
+                Carve(file, folder, *paths);
+            } catch (TolException const& error) {
+                // 82: a picture can't be written; all else is the file's own.
+                const bool output = error.GetType() == ExceptionGeneral && error.GetCode() == TolErrorMessage;
+                throw Failure(output ? ExitOutput : ExitInput, output ? folder : file, ToUtf8(error.GetMessage()));
+            }
         };
         if (!RunWork(session, "Carve " + m_file, work)) return ExitInterrupted;
         if (HashFile(m_file) != before) throw Failure(ExitInput, m_file, "changed while it was examined");

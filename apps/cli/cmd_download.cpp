@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // orvelle download: the photographs that a search found.
-#include <set>
+#include <algorithm>
 
 #include "apps/cli/arguments.h"
 #include "apps/cli/clicontext.h"
@@ -86,23 +86,30 @@ public:
             wxString error;
             DownloadImageFromWeb(links, target, error, force);
         };
-        session.SetWaiting([&environment] { environment.terminal.Status(ToUtf8(tcvGetProgress().text)); });
+        const size_t total = list.size() / 2;
+        session.SetWaiting([&] {
+            // The one that is under way stands behind those that are done.
+            if (!tcvGetProgress().text.empty()) TellBegun(environment, GetDownloadResults().size() + 1, total);
+        });
         RunWork(session, "Download", work);
         session.SetWaiting({});
-        environment.terminal.ClearProgress();
-        return Tell(environment, list.size() / 2);
+        TellBegun(environment, GetDownloadResults().size(), total);
+        return Tell(environment, total);
     }
 
 private:
+    void TellBegun(Environment& environment, size_t number, size_t total) {
+        for (; m_begun < std::min(number, total); ++m_begun) {
+            environment.terminal.Step("Downloading Image " + std::to_string(m_begun + 1) + " of " +
+                                      std::to_string(total));
+        }
+    }
+
     ExitCode Tell(Environment& environment, size_t total) const {
         ExitCode code = ExitDone;
         Output output("", false);
-        size_t number = 0;
         const std::vector<OrvDownloadResult> results = GetDownloadResults();
         for (OrvDownloadResult const& result : results) {
-            ++number;
-            environment.terminal.Summary("Downloading Image " + std::to_string(number) + " of " +
-                                         std::to_string(total));
             if (result.error.empty()) {
                 output.Write(Printable(PathToBytes(result.file)) + "\n");
                 continue;
@@ -123,6 +130,7 @@ private:
     std::string m_folder;
     int m_timeout = 0;
     bool m_force = false;
+    size_t m_begun = 0;
 };
 
 }  // namespace

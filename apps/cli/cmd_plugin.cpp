@@ -116,7 +116,9 @@ private:
             if (!RunWork(session, "Plug-in analysis", work)) return InterruptionCode();
         }
         for (auto const& [file, reason] : found->failures) {
-            environment.terminal.Error(PathToBytes(file), ToUtf8(reason));
+            const std::string path = PathToBytes(file);
+            const auto names = m_byAbsolute.find(path);
+            environment.terminal.Error(names == m_byAbsolute.end() ? path : names->second.front(), ToUtf8(reason));
             m_code = ExitInput;
         }
         const auto identify = [](MultiReport::Row& row, wxString const& identifier) { std::get<1>(row) = identifier; };
@@ -134,7 +136,10 @@ private:
         }
         OrvInstallReportStyle(GetAppDocumentsPath());
         BatchRequest request;
-        for (auto const& [path, names] : m_byAbsolute) request.files.push_back(path);
+        for (auto const& [path, names] : m_byAbsolute) {
+            request.files.push_back(path);
+            request.names.emplace(path, names.front());
+        }
         request.mode = BatchMode::FilesAndReport;
         request.report = absolute;
         request.plugin = true;

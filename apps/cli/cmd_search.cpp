@@ -286,6 +286,12 @@ private:
         return ExitDone;
     }
 
+    // Nothing but the search runs in the trace's folder: the output's path may be relative.
+    static bool SearchIn(TraceFolder const& /*folder*/, Session& session, Terminal& terminal,
+                         std::function<void(Found&)> const& search, Found& found) {
+        return Search(session, terminal, "Search for a camera", search, found);
+    }
+
     ExitCode SearchCamera(Environment& environment) {
         const bool named = !m_make.empty() || !m_model.empty();
         if (named == !m_query.empty())
@@ -321,8 +327,7 @@ private:
             found.error = ToUtf8(error);
         };
         Found found;
-        const TraceFolder trace(m_trace);
-        if (!Search(session, environment.terminal, "Search for a camera", search, found)) return InterruptionCode();
+        if (!SearchIn(TraceFolder(m_trace), session, environment.terminal, search, found)) return InterruptionCode();
         return Tell(environment, output, found, "Photographs", "no photographs");
     }
 

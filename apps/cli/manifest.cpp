@@ -93,11 +93,19 @@ bool IsInside(std::string const& path) {
     return !path.empty() && !normal.is_absolute() && *normal.begin() != "..";
 }
 
+// Nor may a link in the folder lead there.
+bool LeadsInside(std::filesystem::path const& folder, std::string const& path) {
+    std::error_code failed;
+    const std::filesystem::path home = std::filesystem::weakly_canonical(folder, failed);
+    const std::filesystem::path place = std::filesystem::weakly_canonical(folder / path, failed);
+    return !failed && IsInside(place.lexically_relative(home).string());
+}
+
 ManifestFinding Check(Json const& value, std::string const& folder, bool isOutput) {
     ManifestFinding finding;
     finding.path = PathOf(value);
     finding.role = isOutput ? "output" : "input";
-    if (isOutput && !IsInside(finding.path)) {
+    if (isOutput && (!IsInside(finding.path) || !LeadsInside(folder, finding.path))) {
         finding.state = "outside";
         return finding;
     }
@@ -138,8 +146,8 @@ void ManifestWriter::AddInput(std::string const& path) {
     m_inputs.emplace_back(path, HashFile(path));
 }
 
-void ManifestWriter::AddOutput(std::string const& path) {
-    const FileHash hash = HashFile(path);
+void ManifestWriter::AddOutput(std::string const& path, std::string const& readable) {
+    const FileHash hash = HashFile(readable);
     if (!hash.found) return;
     m_output.Write(std::string(m_hasOutputs ? ",\n" : "\n") + JsonText(FileJson(Relative(path, m_folder), hash), true));
     m_hasOutputs = true;
@@ -174,6 +182,14 @@ std::vector<ManifestFinding> CheckManifest(std::string const& path) {
         throw Failure(ExitInput, path, "not a manifest: " + std::string(error.what()));
     }
     return findings;
+}
+
+bool IsManifest(std::string const& path) {
+    try {
+        return ReadManifest(path).is_object();
+    } catch (Failure const&) {
+        return false;
+    }
 }
 
 bool IsOwnOutput(std::string const& manifest, std::string const& output, std::vector<std::string> const& inputs) {

@@ -24,7 +24,9 @@ public:
     // A file that is examined, hashed now. `path` is absolute.
     void AddInput(std::string const& path);
     // A file that was written, hashed now. Paths beneath the manifest's folder are written relative to it.
-    void AddOutput(std::string const& path);
+    void AddOutput(std::string const& path) { AddOutput(path, path); }
+    // The same for a file that has still another name.
+    void AddOutput(std::string const& path, std::string const& readable);
     // Hashes the inputs again, writes the rest and puts the manifest into its place. Gives the inputs that have
     // changed.
     std::vector<std::string> Finish(bool interrupted);
@@ -45,6 +47,9 @@ struct ManifestFinding {
 
 // Checks each file of a manifest. Throws Failure (ExitInput) for what is no manifest.
 std::vector<ManifestFinding> CheckManifest(std::string const& path);
+
+// Whether the file is a manifest of this program.
+bool IsManifest(std::string const& path);
 
 // True if the manifest is one of ours, names this output and examined these files (absolute paths), and the output is
 // as it was written.

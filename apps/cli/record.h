@@ -43,9 +43,12 @@ struct Record {
     std::string started;  // UTC, ISO 8601
     double seconds = 0;
 
+    // Rows by their marker, as the tables over many files and the plug-in count: a row with several findings counts
+    // once, as hard if one of them is.
     int CountWarnings(bool hard) const {
+        const char marker = hard ? '!' : '?';
         int count = 0;
-        for (RecordRule const& rule : rules) count += rule.status == RuleStatus::Failed && rule.hard == hard ? 1 : 0;
+        for (RecordRow const& row : rows) count += !row.warnings.empty() && row.warnings[0] == marker ? 1 : 0;
         return count;
     }
 };

@@ -70,6 +70,10 @@ void Terminal::Summary(std::string_view text) {
     if ((m_errorIsTerminal || m_verbose) && !m_quiet) Line("orvelle: " + Printable(text));
 }
 
+void Terminal::Step(std::string_view text) {
+    if (!m_quiet) Line(Printable(text));
+}
+
 void Terminal::Progress(size_t done, size_t total, std::string_view path) {
     if (!m_errorIsTerminal || m_quiet || total < 2) return;
     const std::string count = "[" + std::to_string(done) + "/" + std::to_string(total) + "] ";

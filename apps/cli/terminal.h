@@ -27,6 +27,9 @@ public:
     // Shown on a terminal or with --verbose, and not with --quiet.
     void Summary(std::string_view text);
 
+    // A step of a long run, on a line of its own, also where the error output is a file; not with --quiet.
+    void Step(std::string_view text);
+
     // One line that is written over and over; only on a terminal and not with --quiet.
     void Progress(size_t done, size_t total, std::string_view path);
     // The same for one long piece of work: what is being done.

@@ -44,6 +44,26 @@ protected:
     }
 };
 
+TEST_F(Batch, TabSeparatedReport_HasARowForEachFileAndFilter) {
+    const std::string a = Photo("a.jpg");
+    const std::string b = Photo("b.jpg", 320, 240, 2);
+    const Ended ended = Run({"--output", Out("r.tsv"), a, b});
+    EXPECT_EQ(0, ended.status) << ended.err;
+    EXPECT_EQ(Out("r.tsv") + "\n", ended.out);
+    const std::vector<std::string> lines = Lines(ReadFile(Out("r.tsv")));
+    ASSERT_EQ(5U, lines.size());
+    EXPECT_EQ(Header, lines[0]);
+    EXPECT_EQ(a, Cells(lines[1])[0]);
+    EXPECT_EQ("File Format", Cells(lines[1])[1]);
+    EXPECT_EQ("EXIF", Cells(lines[2])[1]);
+    EXPECT_EQ(Out("a.jpg-EXIF.html"), Cells(lines[2])[4]);
+    EXPECT_EQ(b, Cells(lines[3])[0]);
+    for (size_t i = 1; i < 5; ++i) {
+        ASSERT_EQ(5U, Cells(lines[i]).size());
+        EXPECT_TRUE(Exists(Cells(lines[i])[4])) << lines[i];
+    }
+}
+
 TEST_F(Batch, CapitalEnding_GivesHtml) {
     EXPECT_EQ(0, Run({"--output", Out("R.HTM"), Photo("a.jpg")}).status);
     const std::string page = ReadFile(Out("R.HTM"));
@@ -69,6 +89,18 @@ TEST_F(Batch, NoReport_WritesResultsOnly) {
     EXPECT_FALSE(Exists(Out("results")));
 }
 
+TEST_F(Batch, Status_WritesNothing) {
+    const Ended ended = Run({"--status", Photo("a.jpg"), "--format", "csv"});
+    EXPECT_EQ(0, ended.status) << ended.err;
+    const std::vector<std::string> lines = Lines(ended.out);
+    ASSERT_EQ(3U, lines.size());
+    EXPECT_EQ("File,Filter,Configuration,Status,Message\r", lines[0]);
+    EXPECT_EQ(Path("a.jpg") + ",File Format,,Ok,\r", lines[1]);
+    EXPECT_EQ(Path("a.jpg") + ",EXIF,,Ok,\r", lines[2]);
+    EXPECT_FALSE(Exists(Out("")));
+    EXPECT_EQ(2, Run({"--status", "--output", Out("r.tsv"), Path("a.jpg")}).status);
+}
+
 TEST_F(Batch, Folder_TakesTheImagesRightInIt) {
     Photo("f/a.jpg");
     Photo("f/sub/b.jpg");
@@ -85,6 +117,15 @@ TEST_F(Batch, EmptyFolder_GivesTheHeaderAlone) {
     EXPECT_EQ(0, ended.status);
     EXPECT_EQ("orvelle: no images in " + Path("empty") + "\n", ended.err);
     EXPECT_EQ(std::string(Header) + "\n", ReadFile(Out("r.tsv")));
+}
+
+TEST_F(Batch, FileBehindAFilter_IsAFile) {
+    const std::string photo = Photo("a.jpg");
+    const Ended ended =
+        Orvelle({"batch", "--status", "--filter", "EXIF", "--filter", "File Format", photo, "--format", "csv"});
+    EXPECT_EQ(0, ended.status) << ended.err;
+    EXPECT_EQ(3U, Lines(ended.out).size());
+    EXPECT_EQ(0, Orvelle({"batch", "--status", "--filter", "Noise", "--set", "Strength=5", photo}).status);
 }
 
 TEST_F(Batch, Set_GivesJustThatConfiguration) {
@@ -128,6 +169,43 @@ TEST_F(Batch, BrokenAndMissingFiles_CostTheOthersNothing) {
         }
     }
     EXPECT_EQ(4U, good);
+}
+
+TEST_F(Batch, Messages_NameAFileAsItWasGiven) {
+    Photo("a.jpg");
+    Write("broken.jpg", "this is no picture");
+    Surroundings surroundings;
+    surroundings.folder = Folder() + "/evidence";
+    const Ended ended = Orvelle(
+        {"batch", "--filter", "EXIF", "--output", "out/r.tsv", "a.jpg", "broken.jpg", "none.jpg"}, surroundings);
+    EXPECT_EQ(3, ended.status);
+    EXPECT_EQ("out/r.tsv\n", ended.out);
+    EXPECT_EQ(
+        "orvelle: broken.jpg: File format not supported.\n"
+        "orvelle: none.jpg: The file does not exist.\n",
+        ended.err);
+}
+
+TEST_F(Batch, FilesOfOneName_KeepBothResults) {
+    const std::string jpeg = support::EncodeJpeg(64, 48);
+    const std::string a = Write("one/a.jpg", support::WithExif(jpeg, "First Make", "Model"));
+    const std::string b = Write("two/a.jpg", support::WithExif(jpeg, "Second Make", "Model"));
+    EXPECT_EQ(0, Orvelle({"batch", "--filter", "EXIF", "--output", Out("r.tsv"), a, b}).status);
+    const std::vector<std::string> lines = Lines(ReadFile(Out("r.tsv")));
+    ASSERT_EQ(3U, lines.size());
+    const std::string first = Cells(lines[1])[4];
+    const std::string second = Cells(lines[2])[4];
+    EXPECT_EQ(Out("a.jpg-EXIF.html"), first);
+    EXPECT_EQ(Out("a.jpg-EXIF (2).html"), second);
+    EXPECT_TRUE(Contains(ReadFile(first), "First Make"));
+    EXPECT_TRUE(Contains(ReadFile(second), "Second Make"));
+}
+
+TEST_F(Batch, FailOn_EndsWithOneBehindTheReport) {
+    const std::string odd = Photo("odd.jpg", 641, 480);
+    const Ended ended = Run({"--fail-on", "hard", "--output", Out("r.tsv"), odd});
+    EXPECT_EQ(1, ended.status) << ended.err;
+    EXPECT_TRUE(Contains(ReadFile(Out("r.tsv")), "File Format\t\tWarning\t")) << ReadFile(Out("r.tsv"));
 }
 
 TEST_F(Batch, OutputThatCannotBeWritten_IsToldFirst) {
@@ -183,6 +261,22 @@ TEST_F(Batch, OddNames_AreFilesLikeOthers) {
         ASSERT_EQ(2U, lines.size()) << name;
         EXPECT_EQ(5U, Cells(lines[1]).size()) << name;
     }
+}
+
+TEST_F(Batch, ManifestHoldsWhatSha256sumSays) {
+    const std::string photo = Photo("a.jpg");
+    ASSERT_EQ(0, Run({"--output", Out("r.html"), photo}).status);
+    const nlohmann::json manifest = Manifest(Out("r.html"));
+    ASSERT_EQ(1U, manifest["inputs"].size());
+    EXPECT_EQ(photo, manifest["inputs"][0]["path"]);
+    EXPECT_EQ(false, manifest["inputs"][0]["changed"]);
+    const Ended sum = RunProgram("/usr/bin/sha256sum", {photo});
+    EXPECT_EQ(sum.out.substr(0, 64), manifest["inputs"][0]["sha256"]);
+    ASSERT_EQ(3U, manifest["outputs"].size());
+    EXPECT_EQ("r.html", manifest["outputs"][2]["path"]);
+    EXPECT_EQ(RunProgram("/usr/bin/sha256sum", {Out("r.html")}).out.substr(0, 64), manifest["outputs"][2]["sha256"]);
+    EXPECT_EQ("orvelle", manifest["tool"]["name"]);
+    EXPECT_FALSE(Contains(ReadFile(Out("r.html.manifest.json")), "API Key"));
 }
 
 TEST_F(Batch, Verify_TellsWhatChanged) {
@@ -255,6 +349,23 @@ TEST_F(Batch, KilledAndRunAgain_GivesTheReportOfOneRun) {
         EXPECT_EQ(0, Orvelle(arguments).status) << "seed " << seed;
         EXPECT_EQ(whole, ReadFile(Out("r.tsv"))) << "seed " << seed;
     }
+}
+
+TEST_F(Batch, MaxImageWidth_BoundsThePicturesOfTheReport) {
+    const std::string photo = Photo("a.jpg", 1200, 900);
+    ASSERT_EQ(0,
+              Orvelle({"batch", "--filter", "Channels", "--max-image-width", "320", "--output", Out("r.html"), photo})
+                  .status);
+    size_t pictures = 0;
+    for (std::string const& name : List(Out(""))) {
+        if (!Contains(name, ".png")) continue;
+        ++pictures;
+        // The width in the PNG's header: 320 is 0x140.
+        EXPECT_EQ(std::string("\0\0\x01\x40", 4), ReadFile(Out(name)).substr(16, 4)) << name;
+        EXPECT_TRUE(Contains(ReadFile(Out("r.html")), "<img src=\"" + name + "\"")) << name;
+    }
+    // Three of the configurations are enabled.
+    EXPECT_EQ(3U, pictures);
 }
 
 TEST_F(Batch, EvidenceStaysAsItIs) {

@@ -27,6 +27,15 @@ protected:
     }
 };
 
+TEST_F(Cache, Folder_IsNamedAfterTheFileAndItsMd5) {
+    const std::string photo = Photo("a.jpg");
+    const std::string md5 = RunProgram("md5sum", {photo}).out.substr(0, 32);
+    const json value = Show(photo);
+    EXPECT_EQ(Documents() + "/cache/a-" + md5, value.at("folder")) << value;
+    ASSERT_EQ(0, Orvelle({"filter", "Channels", photo}).status);
+    EXPECT_EQ(CacheFolder(), value.at("folder"));
+}
+
 TEST_F(Cache, Show_MakesNoCache) {
     const std::string photo = Photo("a.jpg");
     const json value = Show(photo);
@@ -136,6 +145,20 @@ TEST_F(Cache, FolderThatIsALink_IsNotFollowed) {
     EXPECT_EQ(0, Orvelle({"cache", "clear", photo}).status);
     EXPECT_EQ(before, List(Folder() + "/elsewhere").size());
     EXPECT_EQ(0u, Show(photo).at("results").size());
+}
+
+TEST_F(Cache, Location_IsThatOfTheSettings) {
+    const std::string photo = Photo("a.jpg");
+    const std::string md5 = RunProgram("md5sum", {photo}).out.substr(0, 32);
+    ASSERT_EQ(0, Orvelle({"options", "set", "Cache Location", "Image Local Folder"}).status);
+    EXPECT_EQ(Path("a-" + md5), Show(photo).at("folder"));
+    ASSERT_EQ(0, Orvelle({"options", "set", "Custom Cache Folder", Folder() + "/mine"}).status);
+    ASSERT_EQ(0, Orvelle({"options", "set", "Cache Location", "Custom Cache Folder"}).status);
+    EXPECT_EQ(Folder() + "/mine/a-" + md5, Show(photo).at("folder"));
+    ASSERT_EQ(0, Orvelle({"filter", "Channels", photo}).status);
+    EXPECT_EQ(1u, Show(photo).at("results").size());
+    EXPECT_EQ(0, Orvelle({"cache", "clear", photo}).status);
+    EXPECT_TRUE(List(Folder() + "/mine").empty());
 }
 
 TEST_F(Cache, WrongInput_EndsWithThree) {

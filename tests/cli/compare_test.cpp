@@ -40,6 +40,19 @@ protected:
 
 using Marks = std::map<std::string, std::string>;
 
+TEST_F(Compare, TwoPhotosOfOneCamera_DifferInTheirDatesAlone) {
+    const std::string a = Camera("a.jpg", "2020:01:02 03:04:05", 640, 480, 1);
+    const std::string b = Camera("b.jpg", "2020:01:02 03:09:59", 640, 480, 2);
+    EXPECT_EQ((Marks{{"IFD0:ModifyDate", "?Different"}, {"ExifIFD:DateTimeOriginal", "?Different"}}),
+              Marked({a, b, "--table", "exif"}));
+    for (char const* const table : {"info", "jpeg", "huffman"}) {
+        EXPECT_EQ(Marks(), Marked({a, b, "--table", table})) << table;
+    }
+    EXPECT_EQ(0, Orvelle({"compare", a, b, "--table", "exif", "--fail-on", "hard"}).status);
+    EXPECT_EQ(1, Orvelle({"compare", a, b, "--table", "exif", "--fail-on", "soft"}).status);
+    EXPECT_EQ(0, Orvelle({"compare", a, b, "--fail-on", "soft"}).status);
+}
+
 TEST_F(Compare, PhotoAndItsMessengerCopy_ShowTheTrail) {
     const std::string photo = Camera("a.jpg", "2020:01:02 03:04:05", 3200, 2400);
     const std::string copy = Write("IMG-20200102-WA0001.jpg", MessengerCopy(ReadFile(photo), 70));
@@ -78,6 +91,44 @@ TEST_F(Compare, Csv_IsTheEnginesTable) {
     EXPECT_TRUE(Contains(out, "\r\n5,Image Quality,50,90,!Different\r\n")) << out;
     EXPECT_TRUE(Contains(out, "\r\n8,Chroma Subsampling,4:2:0,4:2:0,\r\n"));
     EXPECT_TRUE(Contains(out, "\r\n28,Preview QT 3 (Chroma),,,\r\n"));
+}
+
+TEST_F(Compare, Info_HasTheWarningsOfBothSides) {
+    const std::string a = Photo("a.jpg", 1001, 752);
+    const std::string b = Photo("b.jpg", 1000, 752);
+    const json value = json::parse(Orvelle({"compare", a, b, "--format", "json"}).out);
+    EXPECT_EQ("orvelle/compare/1", value["schema"]);
+    EXPECT_EQ("info", value["table"]);
+    ASSERT_EQ(42u, value["rows"].size());
+    json const& row = value["rows"][4];
+    EXPECT_EQ("5", row["id"]);
+    EXPECT_EQ("Image Encoded Size", row["name"]);
+    EXPECT_EQ("1001x752", row["evidence"]);
+    EXPECT_EQ("!Odd width (1001 is not multiple of 4)", row["evidence_warnings"]);
+    EXPECT_EQ("1000x752", row["reference"]);
+    EXPECT_EQ("", row["reference_warnings"]);
+    EXPECT_EQ("!Different", row["comparison"]);
+    EXPECT_EQ("Different", value["rows"][0]["comparison"]);
+    EXPECT_EQ(a, value["evidence"]["path"]);
+    EXPECT_EQ(RunProgram("sha256sum", {b}).out.substr(0, 64), value["reference"]["sha256"]);
+}
+
+TEST_F(Compare, Text_PutsTheMarkBehindTheValues) {
+    const std::string a = Write("a.jpg", support::EncodeJpeg(64, 48, 50));
+    const std::string b = Write("b.jpg", support::EncodeJpeg(64, 48, 90));
+    const Ended ended = Orvelle({"compare", a, b, "--table", "jpeg"});
+    EXPECT_EQ(0u, ended.out.find("Evidence:  " + a + "\nReference: " + b + "\n\n#Id Name ")) << ended.out;
+    const std::string gap(38, ' ');
+    EXPECT_TRUE(
+        Contains(ended.out, "5   Image Quality" + std::string(18, ' ') + "50" + gap + "90" + gap + "!Different\n"))
+        << ended.out;
+    EXPECT_TRUE(Contains(
+        ended.out,
+        "10  QT 1 (Luma)                      16   11   10   16   24   40   51   61    3    2    2    3    5    "
+        "8   10   12 !Different\n"))
+        << ended.out;
+    // Cameras and programs that write such tables, quality, hash and two tables.
+    EXPECT_EQ("Differences: 6 hard, 0 soft", Lines(ended.out).back());
 }
 
 TEST_F(Compare, AllFormats_HaveTheSameCells) {

@@ -38,6 +38,22 @@ TEST_F(Exif, Rows_AreNamedByTheirGroupAndTag) {
     EXPECT_TRUE(Contains(ended.out, photo + ",evidence,ExifIFD:DateTimeOriginal,2020:01:02 03:04:05,\r\n"));
 }
 
+TEST_F(Exif, Text_HasOneLineForEachTag) {
+    support::CameraFacts facts;
+    facts.make = "Line\nbreak";
+    facts.model = "  Blank in front";
+    const std::string out = Orvelle({"exif", Camera("a.jpg", facts)}).out;
+    const std::vector<std::string> lines = Lines(out);
+    ASSERT_LE(2U, lines.size());
+    // Blanks in front of a value move no other to the right.
+    EXPECT_EQ("IFD0:Make", lines[0].substr(0, 9));
+    const size_t column = lines[0].find("Line\\nbreak");
+    ASSERT_NE(std::string::npos, column) << out;
+    EXPECT_EQ("IFD0:Model" + std::string(column - 10, ' ') + "  Blank in front", lines[1]);
+    for (std::string const& line : lines) EXPECT_EQ(' ', line.at(column - 1)) << line;
+    EXPECT_FALSE(Contains(out, "Warnings"));
+}
+
 TEST_F(Exif, FileWithoutMetadata_HasNoRows) {
     const std::string path = Write("a.ppm", DottedPpm(0, 0, 128));
     const Ended text = Orvelle({"exif", path});

@@ -24,6 +24,10 @@ protected:
     }
 };
 
+std::string Pages() {
+    return ReadFile(std::string(ORVELLE_SCHEMAS) + "/../filters.md");
+}
+
 TEST_F(Filters, List_NamesFiltersOfEveryKind) {
     const Ended ended = Orvelle({"filters"});
     EXPECT_EQ(0, ended.status);
@@ -33,6 +37,23 @@ TEST_F(Filters, List_NamesFiltersOfEveryKind) {
     EXPECT_TRUE(Contains(ended.out, "\nHex Viewer (File Analysis; gives a text)\n")) << ended.out;
     EXPECT_TRUE(Contains(ended.out, "\nChannels (Visual Analysis; gives a picture)\n")) << ended.out;
     EXPECT_TRUE(Contains(ended.out, "\nJPEG Tables (File Analysis; gives a table; JPEG files only)\n")) << ended.out;
+}
+
+TEST_F(Filters, List_TellsWhatParametersTake) {
+    const std::vector<std::string> lines = Lines(Orvelle({"filters"}).out);
+    const auto find = [&lines](std::string const& start, std::string const& end) {
+        for (std::string const& line : lines) {
+            if (line.find(start) == 0 && line.size() > end.size() &&
+                line.compare(line.size() - end.size(), end.size(), end) == 0) {
+                return true;
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(find("    --set  Color Space ", "one of: RGB, YCbCr, HSV, Lab; default YCbCr"));
+    EXPECT_TRUE(find("    --post Highlights ", "a whole number from 0 to 255; default 255"));
+    EXPECT_TRUE(find("    --set Length ", "a whole number from 1 to 1048576; default 4096"))
+        << Orvelle({"filters"}).out;
 }
 
 TEST_F(Filters, Json_HasRangesDefaultsAndConfigurations) {
@@ -133,6 +154,16 @@ TEST_F(Filters, Locale_ChangesNoByte) {
     Surroundings utf8;
     utf8.environment = {{"LC_ALL", "C.UTF-8"}};
     EXPECT_EQ(Orvelle({"filters"}, c).out, Orvelle({"filters"}, utf8).out);
+}
+
+TEST_F(Filters, Documentation_IsWhatTheProgramPrints) {
+    const std::string pages = Pages();
+    EXPECT_TRUE(Contains(pages, "```\n" + Orvelle({"filters"}).out + "```\n")) << "run tools/filterspage";
+    for (json const& filter : List()) {
+        const std::string page = Orvelle({"filters", filter.at("name")}).out;
+        EXPECT_TRUE(Contains(pages, "```\n" + page + "```\n")) << filter.at("name") << ": run tools/filterspage";
+    }
+    EXPECT_EQ(List().size() + 1, CountOf(pages, "```\n") / 2);
 }
 
 }  // namespace

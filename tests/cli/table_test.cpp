@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // orvelle table, multi and plugin.
+#include <algorithm>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
@@ -103,6 +104,27 @@ TEST_F(Table, JsonLines_ComeFromAListOfNames) {
     EXPECT_EQ("orvelle/table/1", nlohmann::json::parse(lines[0])["schema"]);
     EXPECT_EQ(b, nlohmann::json::parse(lines[1])["input"]["path"]);
     EXPECT_EQ("320x240", nlohmann::json::parse(lines[1])["cells"]["Image Displayed Size"]);
+}
+
+TEST_F(Table, Counts_AreThoseOfInfo) {
+    // Two findings in the row of the size, one in each of those of the thumbnail, the make and the model.
+    const std::string odd = Write("odd.jpg", support::EncodeJpeg(1001, 751));
+    const auto table = nlohmann::json::parse(Orvelle({"table", odd, "--format", "jsonl"}).out);
+    EXPECT_EQ(4, table["counts"]["hard"]);
+    EXPECT_EQ("4", table["cells"]["Warnings (hard)"]);
+    for (char const* const level : {"-q", "-x"}) {
+        const auto info = nlohmann::json::parse(Orvelle({"info", odd, level, "--format", "json"}).out);
+        EXPECT_EQ(4, info[0]["counts"]["hard"]) << level;
+        EXPECT_EQ(table["counts"]["soft"], info[0]["counts"]["soft"]) << level;
+        EXPECT_EQ(2, std::count_if(info[0]["warnings"].begin(), info[0]["warnings"].end(),
+                                   [](auto const& warning) { return warning["row"] == "image_encoded_size"; }));
+    }
+    EXPECT_TRUE(Contains(Orvelle({"info", odd}).out, "\nWarnings: 4 hard, "));
+    const std::string map = Write("map.json", nlohmann::json{{odd, "1"}}.dump());
+    const auto plugin = nlohmann::json::parse(Orvelle({"plugin", "analysis", "--map", map}).out);
+    const int all = 4 + table["counts"]["soft"].get<int>();
+    EXPECT_TRUE(Contains(plugin[0]["text"], "\r\nWarnings: " + std::to_string(all) + "\r\n")) << plugin;
+    EXPECT_EQ(1, Orvelle({"table", odd, "--fail-on", "hard"}).status);
 }
 
 TEST_F(Table, EachFormat_IsWritten) {
