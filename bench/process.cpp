@@ -20,14 +20,16 @@ double Seconds(const timeval& time) {
 }
 }  // namespace
 
-Cost Run(const std::vector<std::string>& arguments) {
+Cost Run(const std::vector<std::string>& arguments, Output output) {
     std::vector<char*> argv;
     for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    if (output == Output::Dropped) {
+        posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+        posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    }
     const auto start = std::chrono::steady_clock::now();
     pid_t child = 0;
     const int failed = posix_spawnp(&child, argv[0], &actions, nullptr, argv.data(), environ);

@@ -14,8 +14,10 @@ struct Cost {
     int exitCode = -1;            // -1 when it could not be started or ended by a signal
 };
 
-// Standard output and error output go to /dev/null. Throws std::runtime_error when the program can't be started.
-Cost Run(const std::vector<std::string>& arguments);
+enum class Output { Dropped, Shown };
+
+// What it prints goes to /dev/null unless it is to be shown. Throws std::runtime_error when it can't be started.
+Cost Run(const std::vector<std::string>& arguments, Output output = Output::Dropped);
 
 // The run with the median wall time of `times` runs.
 Cost MedianRun(const std::vector<std::string>& arguments, int times);

@@ -11,6 +11,7 @@
 #include "orvcore/command.h"
 #include "orvcore/context.h"
 #include "orvcore/filter.h"
+#include "orvcore/filtercache.h"
 #include "orvcore/filtertext.h"
 #include "orvcore/optionnumbers.h"
 #include "orvcore/reportfile.h"
@@ -93,14 +94,24 @@ void TakeReportWidths() {
 }
 
 // Tables and texts give the path an ending of their own.
-wxString WrittenPath(OrvFilter const& filter, wxString const& path) {
-    wxString ending;
-    if (dynamic_cast<OrvFilterText const*>(&filter) != nullptr) ending = ".html";
-    if (dynamic_cast<OrvFilterTextCustom const*>(&filter) != nullptr) ending = ".txt";
-    if (ending.empty()) return path;
+wxString PathOfItsOwn(OrvFilter const& filter, wxString const& path) {
     const size_t point = path.rfind('.');
-    const wxString other = path.substr(0, point) + ending;
-    return point != wxString::npos && wxFileName::FileExists(other) ? other : path;
+    if (point == wxString::npos) return path;
+    if (dynamic_cast<OrvFilterText const*>(&filter) != nullptr) return path.substr(0, point) + ".html";
+    if (dynamic_cast<OrvFilterTextCustom const*>(&filter) != nullptr) return path.substr(0, point) + ".txt";
+    return path;
+}
+
+wxString WrittenPath(OrvFilter const& filter, wxString const& path) {
+    const wxString own = PathOfItsOwn(filter, path);
+    return wxFileName::FileExists(own) ? own : path;
+}
+
+// The name of a result was not chosen by the person: a link that someone has put there must not lead it elsewhere.
+void RemoveLinks(OrvFilter const& filter, wxString const& path) {
+    for (wxString const& each : {path, PathOfItsOwn(filter, path)}) {
+        if (filtercache::IsLink(each)) filtercache::RemoveFile(each);
+    }
 }
 
 // The event of a run says something only to a program that shows this run.
@@ -385,6 +396,7 @@ void BatchRun::Save(OrvFilter& filter, Outcome& outcome) {
     const wxString error = Guarded([&] {
         outcome.path = m_names->Place(filter.GetExportFilename(true));
         CreateDirIfNotExists(wxPathOnly(outcome.path));
+        RemoveLinks(filter, outcome.path);
         filter.SaveOutputBatch(outcome.path);
         outcome.written = WrittenPath(filter, outcome.path);
     });

@@ -4,11 +4,13 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -19,6 +21,9 @@ namespace {
 constexpr int kSendMilliseconds = 5000;
 constexpr int kEndMilliseconds = 500;
 constexpr int kStepMilliseconds = 2;
+// A preview of the greatest size that is taken in, in the forms in which the child holds it.
+constexpr rlim_t kMemoryBytes = rlim_t{3} << 30;
+constexpr rlim_t kOpenFiles = 64;
 
 // Descriptors that can't be mistaken for the child's first three.
 int Above(int descriptor) {
@@ -45,6 +50,24 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
     return result;
 }
 
+void Limit(decltype(RLIMIT_AS) what, rlim_t most) {
+    rlimit limit{};
+    if (getrlimit(what, &limit) != 0) return;
+    limit.rlim_max = std::min(limit.rlim_max, most);
+    limit.rlim_cur = std::min(limit.rlim_cur, most);
+    setrlimit(what, &limit);
+}
+
+// The child reads hostile files: it gets no more memory than it needs, can write into no file, leaves no core behind
+// and can't gain rights by what it starts.
+void GiveUpRights() {
+    Limit(RLIMIT_AS, kMemoryBytes);
+    Limit(RLIMIT_FSIZE, 0);
+    Limit(RLIMIT_CORE, 0);
+    Limit(RLIMIT_NOFILE, kOpenFiles);
+    prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+}
+
 // Between fork and exec: calls that are safe after a fork of one thread among many, and nothing else.
 [[noreturn]] void BecomeChild(pid_t parent, int input, int output, int null, char* const* arguments,
                               char* const* environment) {
@@ -57,6 +80,7 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
+    GiveUpRights();
     execve(arguments[0], arguments, environment);
     _exit(127);
 }

@@ -115,6 +115,21 @@ TEST_F(Batch, OutputPath_IsThatOfTheFileThatIsThere) {
     for (const wxString& path : told) EXPECT_TRUE(wxFileExists(path)) << path;
 }
 
+TEST_F(Batch, LinkInPlaceOfAResult_IsReplaced) {
+    Add(new support::CustomFilter("Text"))->SetText("words");
+    AddFilter("Alpha");
+    const wxString victim = support::WriteBytes(dir / "victim", "precious");
+    std::filesystem::create_directories(out.utf8_string());
+    for (char const* name : {"/a.jpg-Text.txt", "/a.jpg-Alpha.txt"}) {
+        std::filesystem::create_symlink(victim.utf8_string(), out.utf8_string() + name);
+    }
+    const wxString file = Jpeg("a.jpg");
+    Process(Listed({file}, 2, out + "/r.tsv"));
+    EXPECT_EQ("precious", ReadFile(victim));
+    EXPECT_EQ("Alpha of " + file, ReadFile(out + "/a.jpg-Alpha.txt"));
+    EXPECT_FALSE(std::filesystem::is_symlink((out + "/a.jpg-Text.txt").utf8_string()));
+}
+
 TEST_F(Batch, Report_CanBeReadBeforeItStandsInItsPlace) {
     AddFilter("Alpha");
     wxString readable;

@@ -2,9 +2,14 @@
 #include "tolimage/exiftool.h"
 
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <thread>
 
@@ -243,6 +248,53 @@ TEST_F(ExifTool, EndlessAnswer_IsRefused) {
     SetTolLimit(TolLimit::SegmentBytes, 100000);
     EXPECT_TRUE(Failure(picture).Contains("the limit \"segment-bytes\" is 100000"));
     SetTolLimit(TolLimit::SegmentBytes, 0);
+}
+
+// The stand-in answers with what the shell says of its limits: memory in kB, size of files it may write, cores, open
+// files.
+TEST_F(ExifTool, Child_RunsWithinLimits) {
+    const std::string facts =
+        "$(ulimit -v) $(ulimit -f) $(ulimit -c) $(ulimit -n) $(sed -n s/NoNewPrivs:.//p /proc/self/status)";
+    Pretend("while read -r line; do case \"$line\" in -execute*) echo \"Array(Array(\\\"A:Limits\\\" => \\\"" + facts +
+            "\\\"));\"; echo \"{ready${line#-execute}}\";; esac; done\n");
+    EXPECT_EQ("3145728 0 0 64 1", Value(ExifToolRead(picture), "A", "Limits"));
+}
+
+TEST_F(ExifTool, Child_HasNoneOfOurSecrets) {
+    ::setenv("ORVELLE_API_KEY", "secret", 1);
+    Pretend(
+        "while read -r line; do case \"$line\" in -execute*) echo \"Array(Array(\\\"A:Names\\\" => \\\"$(env | sed "
+        "'s/=.*//' | grep -cx -e ORVELLE_API_KEY -e HOME -e LD_PRELOAD)\\\"));\"; echo "
+        "\"{ready${line#-execute}}\";; esac; done\n");
+    EXPECT_EQ("0", Value(ExifToolRead(picture), "A", "Names"));
+    ::unsetenv("ORVELLE_API_KEY");
+}
+
+// A process that waits for an answer is killed. Its child, whose name an empty file tells, comes to us and is found
+// dead.
+TEST_F(ExifTool, Child_DiesWithItsParent) {
+    const std::string folder = dir.Path().utf8_string();
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    const pid_t parent = fork();
+    if (parent == 0) {
+        Pretend(": > \"" + folder + "/pid$$\"; exec sleep 100\n");
+        Failure(picture);
+        _exit(0);
+    }
+    pid_t child = 0;
+    for (int tries = 0; child == 0 && tries < 500; ++tries) {
+        usleep(10000);
+        for (auto const& entry : std::filesystem::directory_iterator(folder)) {
+            const std::string name = entry.path().filename().string();
+            if (name.rfind("pid", 0) == 0) child = std::stoi(name.substr(3));
+        }
+    }
+    ASSERT_GT(child, 0);
+    kill(parent, SIGKILL);
+    waitpid(parent, nullptr, 0);
+    int status = 0;
+    ASSERT_EQ(child, waitpid(child, &status, 0));
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
 }
 
 TEST_F(ExifTool, Shutdown_LeavesItUsable) {
