@@ -101,6 +101,27 @@ wxString Share(uint64_t part, uint64_t whole) {
 
 }  // namespace
 
+void OrvSocialEvaluation::Add(OrvSocialEvaluation const& other) {
+    auto const key = [](OrvSocialEvaluationRow const& row) { return std::make_pair(!row.isPlatform, row.group); };
+    std::map<std::pair<bool, wxString>, OrvSocialEvaluationRow> all;
+    for (OrvSocialEvaluation const* one : {static_cast<OrvSocialEvaluation const*>(this), &other}) {
+        for (OrvSocialEvaluationRow const& row : one->rows) {
+            OrvSocialEvaluationRow& sum = all[key(row)];
+            sum.group = row.group;
+            sum.isPlatform = row.isPlatform;
+            sum.samples += row.samples;
+            sum.notClassified += row.notClassified;
+            sum.right += row.right;
+            sum.rightAmong += row.rightAmong;
+            for (auto const& [name, count] : row.named) sum.named[name] += count;
+        }
+    }
+    rows.clear();
+    for (auto& row : all) rows.push_back(std::move(row.second));
+    signatures = std::max(signatures, other.signatures);
+    leftOut += other.leftOut;
+}
+
 uint64_t OrvSocialEvaluation::GetNegatives() const {
     uint64_t count = 0;
     for (OrvSocialEvaluationRow const& row : rows) count += row.isPlatform ? 0 : row.samples;
@@ -152,7 +173,12 @@ VecVecString OrvSocialEvaluation::GetConfusion() const {
 OrvSocialEvaluation OrvEvaluateSocialClassifier(std::vector<OrvSocialSample> const& samples,
                                                 SMSCollection const& collection, bool leaveSourceOut, unsigned int k,
                                                 double threshold) {
-    std::vector<SocialMediaSignature> const& list = collection.GetSignatures();
+    return OrvEvaluateSocialClassifier(samples, collection.GetSignatures(), leaveSourceOut, k, threshold);
+}
+
+OrvSocialEvaluation OrvEvaluateSocialClassifier(std::vector<OrvSocialSample> const& samples,
+                                                std::vector<SocialMediaSignature> const& list, bool leaveSourceOut,
+                                                unsigned int k, double threshold) {
     std::set<wxString> platforms;
     for (SocialMediaSignature const& signature : list) platforms.insert(signature.GetSocialName());
     // Samples that are compared with the same signatures, by source, or each by itself.

@@ -39,6 +39,9 @@ struct ORV_API OrvSocialEvaluation {
     uint64_t signatures = 0;                   // in the list
     uint64_t leftOut = 0;                      // signatures that were left out of at least one search
 
+    // Adds the samples of another run; `signatures` becomes the larger of the two, `leftOut` the sum.
+    void Add(OrvSocialEvaluation const& other);
+
     // Over all samples that no platform has touched: how many there are and how many a platform was named for.
     uint64_t GetNegatives() const;
     uint64_t GetFalsePositives() const;
@@ -62,3 +65,8 @@ ORV_API std::vector<OrvSocialSample> OrvLoadSocialSamples(wxString const& path, 
 ORV_API OrvSocialEvaluation OrvEvaluateSocialClassifier(std::vector<OrvSocialSample> const& samples,
                                                         SMSCollection const& collection, bool leaveSourceOut = true,
                                                         unsigned int k = 3, double threshold = 0.99);
+// The same with a list of signatures that need not be the collection's.
+ORV_API OrvSocialEvaluation OrvEvaluateSocialClassifier(std::vector<OrvSocialSample> const& samples,
+                                                        std::vector<SocialMediaSignature> const& list,
+                                                        bool leaveSourceOut = true, unsigned int k = 3,
+                                                        double threshold = 0.99);

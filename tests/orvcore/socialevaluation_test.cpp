@@ -146,3 +146,19 @@ TEST(SocialEvaluation, UnknownPlatform_IsNoNegative) {
     EXPECT_EQ(evaluation.rows[0].right, 0u);
     EXPECT_EQ(evaluation.GetNegatives(), 0u);
 }
+
+TEST(SocialEvaluation, TwoRuns_AddUp) {
+    std::vector<SocialMediaSignature> list;
+    for (char const* hash : {"1", "2", "3"}) list.push_back(Signature("Flickr", Feature(500, 400), hash));
+    OrvSocialEvaluation sum = OrvEvaluateSocialClassifier({Sample("flickr", "s1", "", Feature(500, 400))}, list);
+    sum.Add(OrvEvaluateSocialClassifier(
+        {Sample("flickr", "s2", "", Feature(9000, 400)), Sample("none:camera", "s2", "", Feature(500, 400))}, list));
+    ASSERT_EQ(sum.rows.size(), 2u);
+    EXPECT_EQ(sum.rows[0].group, "Flickr");
+    EXPECT_EQ(sum.rows[0].samples, 2u);
+    EXPECT_EQ(sum.rows[0].right, 1u);
+    EXPECT_EQ(sum.rows[0].notClassified, 1u);
+    EXPECT_EQ(sum.rows[1].named.at("Flickr"), 1u);
+    EXPECT_EQ(sum.signatures, 3u);
+    EXPECT_EQ(sum.GetFalsePositives(), 1u);
+}

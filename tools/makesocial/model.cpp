@@ -5,11 +5,11 @@
 #include <cmath>
 #include <cstdint>
 #include <iomanip>
-#include <map>
 #include <set>
 #include <sstream>
 #include <stdexcept>
 
+#include "tools/makesocial/nearness.h"
 #include "tools/makesocial/samples.h"
 
 namespace makesocial {
@@ -27,7 +27,7 @@ public:
         z = (z ^ (z >> 27)) * 0x94D049BB133111EBu;
         return z ^ (z >> 31);
     }
-    int Below(int bound) { return static_cast<int>(Next() % static_cast<uint64_t>(bound)); }
+    int Below(size_t bound) { return static_cast<int>(Next() % bound); }
 
 private:
     uint64_t m_state;
@@ -35,7 +35,17 @@ private:
 
 // Shapes of pictures, longer to shorter side: those of cameras, telephones and squares.
 constexpr std::pair<int, int> kShapes[] = {{4, 3}, {3, 2}, {16, 9}, {1, 1}, {5, 4}, {2, 1}, {37, 18}, {16, 10}, {7, 5}};
-constexpr int kAttempts = 100000;
+constexpr std::pair<int, int> kCuts[] = {{1, 1}, {5, 4}, {4, 3}, {3, 2}, {16, 9}, {2, 1}};
+
+// What a record has to be, strictest first.
+enum class Rule { FarFromNone, NearestToOwn, NotForeign, Any };
+
+bool IsAccepted(Near const& near, Rule rule) {
+    if (rule == Rule::Any) return true;
+    if (near.IsContested()) return false;
+    if (rule == Rule::NotForeign) return true;
+    return near.own >= near.none && (rule == Rule::NearestToOwn || near.none < kThreshold);
+}
 
 using Vector = std::pair<std::array<int, 8>, int>;
 
@@ -43,91 +53,169 @@ Vector VectorOf(Sample const& sample) {
     return {sample.Head(), sample.table};
 }
 
-using Models = std::map<Profile, std::vector<Sample const*>>;
-
-// Has a file from no platform this table and sampling, and nearly as many markers?
-bool IsNearOthers(Data const& data, Sample const& sample) {
-    constexpr int kNearMarkers = 2;
-    return std::any_of(data.others.begin(), data.others.end(), [&](Sample const& other) {
-        return other.table == sample.table && other.sampling == sample.sampling &&
-               std::abs(other.markers - sample.markers) <= kNearMarkers;
-    });
+void SetSize(Sample& sample, int longer, int shorter, bool isUpright) {
+    sample.width = isUpright ? shorter : longer;
+    sample.height = isUpright ? longer : shorter;
 }
 
-// Measured files that may stand model, by profile: those whose profile no file from no platform comes near, so that
-// such files gain no neighbours. Where too few profiles are left, all may.
-Models FindModels(Data const& data, Group const& group) {
-    constexpr size_t kFewest = 3;
-    Models own;
-    Models all;
-    for (Sample const& sample : data.measured) {
-        if (!IsUsable(data, group, sample)) continue;
-        all[sample.GetProfile()].push_back(&sample);
-        if (!IsNearOthers(data, sample)) own[sample.GetProfile()].push_back(&sample);
-    }
-    return own.size() < kFewest ? all : own;
+int Shorter(int side, std::pair<int, int> shape) {
+    return std::max(1, static_cast<int>(std::lround(double(side) * shape.second / shape.first)));
 }
 
-// Shares `count` out among the profiles by the square roots of their numbers of files, largest remainders first.
-std::vector<int> ShareOut(Models const& models, int count) {
-    double total = 0;
-    for (auto const& model : models) total += std::sqrt(static_cast<double>(model.second.size()));
-    std::vector<int> shares;
-    std::vector<std::pair<double, size_t>> remainders;
-    int given = 0;
-    for (auto const& model : models) {
-        double const exact = count * std::sqrt(static_cast<double>(model.second.size())) / total;
-        shares.push_back(static_cast<int>(exact));
-        remainders.emplace_back(shares.back() - exact, remainders.size());
-        given += shares.back();
-    }
-    std::sort(remainders.begin(), remainders.end());
-    for (int i = 0; i < count - given; ++i) ++shares[remainders[static_cast<size_t>(i)].second];
-    return shares;
-}
+}  // namespace
 
-class Modeller {
+class Modeller::Maker {
 public:
-    Modeller(Data const& data, Group const& group) : m_group(group), m_random(SeedOf(group.name)) {
+    Maker(Data const& data, Group const& group, Nearness& nearness)
+        : m_data(data), m_group(group), m_nearness(nearness), m_random(SeedOf(group.name)) {
         for (Sample const& sample : data.measured) m_taken.insert(VectorOf(sample));
         for (Sample const& sample : data.others) m_taken.insert(VectorOf(sample));
-    }
-
-    // A record with this model's profile and longer side `side`.
-    void Add(Sample const& model, int side) {
-        Sample record = model;
-        record.group = m_group.name;
-        record.isModelled = true;
-        for (int attempt = 0; attempt < kAttempts; ++attempt) {
-            auto const [longer, shorter] = Shape(attempt);
-            int const other = std::max(1, static_cast<int>(std::lround(double(side) * shorter / longer)));
-            bool const isUpright = m_random.Below(2) == 1;
-            record.width = isUpright ? other : side;
-            record.height = isUpright ? side : other;
-            if (!m_taken.insert(VectorOf(record)).second) continue;
-            record.file = Name(model);
-            m_made.push_back(record);
-            return;
+        for (Sample const& sample : data.measured) {
+            if (!IsUsable(data, group, sample)) continue;
+            m_usable.push_back(&sample);
+            m_sides.push_back(sample.LongerSide());
         }
-        throw std::runtime_error(m_group.name + ": no further size to model");
+        FindBeyond();
     }
 
-    int Below(int bound) { return m_random.Below(bound); }
-    std::vector<Sample> Take() { return std::move(m_made); }
-    int Count() const { return static_cast<int>(m_made.size()); }
+    void AddBeyond(size_t count) {
+        size_t const wanted = m_made.size() + count;
+        for (bool hasAny = true; hasAny && m_made.size() < wanted;) {
+            hasAny = false;
+            for (Sample const* model : m_beyond) {
+                if (m_made.size() < wanted && TryReduced(*model, Rule::FarFromNone)) hasAny = true;
+            }
+        }
+    }
+
+    void AddWithSide(int side) {
+        Sample const* nearest = nullptr;
+        for (Sample const* sample : m_usable) {
+            if (nearest == nullptr || std::abs(sample->LongerSide() - side) < std::abs(nearest->LongerSide() - side)) {
+                nearest = sample;
+            }
+        }
+        if (nearest != nullptr) TryShaped(*nearest, side, Rule::Any);
+    }
+
+    void Fill(size_t count) {
+        size_t const wanted = m_made.size() + count;
+        if (m_usable.empty()) FillFromPublished(wanted);
+        std::vector<Sample const*> const inTurn = InTurn(m_usable);
+        for (Rule const rule : {Rule::FarFromNone, Rule::NearestToOwn, Rule::NotForeign, Rule::Any}) {
+            for (bool hasAny = true; hasAny && m_made.size() < wanted;) {
+                hasAny = false;
+                for (Sample const* model : m_beyond) {
+                    if (m_made.size() < wanted && TryReduced(*model, rule)) hasAny = true;
+                }
+                for (Sample const* model : inTurn) {
+                    if (m_exhausted.count({model, rule}) != 0 || m_made.size() >= wanted) continue;
+                    if (TrySides(*model, rule)) {
+                        hasAny = true;
+                    } else {
+                        m_exhausted.insert({model, rule});
+                    }
+                }
+            }
+        }
+        if (m_made.size() < wanted) throw std::runtime_error(m_group.name + ": nothing to model on");
+    }
+
+    std::vector<Sample> const& GetRecords() const { return m_made; }
 
 private:
+    static constexpr int kAttempts = 1000;
+    static constexpr int kAttemptsOnSides = 60;  // before a model counts as exhausted
+
     static uint64_t SeedOf(std::string const& name) {
         uint64_t seed = 20200229;
         for (char const c : name) seed = seed * 131 + static_cast<unsigned char>(c);
         return seed;
     }
 
+    // One file of each collection, year and encoding that the collection has in no admitted size.
+    void FindBeyond() {
+        std::set<std::tuple<std::string, std::string, Profile>> known;
+        for (Sample const* sample : m_usable) {
+            known.insert({sample->collection, sample->date.substr(0, 4), sample->GetProfile()});
+        }
+        for (Sample const& sample : m_data.measured) {
+            if (sample.group != m_group.name || m_group.Admits(sample) || !IsEncodingUsable(m_data, sample)) continue;
+            if (!known.insert({sample.collection, sample.date.substr(0, 4), sample.GetProfile()}).second) continue;
+            m_beyond.push_back(&sample);
+        }
+    }
+
+    bool Try(Sample record, Sample const& model, Rule rule) {
+        if (m_taken.count(VectorOf(record)) != 0) return false;
+        if (rule != Rule::Any && !IsAccepted(m_nearness.Of(record), rule)) return false;
+        m_taken.insert(VectorOf(record));
+        record.file = Name(model);
+        m_made.push_back(std::move(record));
+        return true;
+    }
+
+    Sample Copy(Sample const& model) const {
+        Sample record = model;
+        record.group = m_group.name;
+        record.isModelled = true;
+        return record;
+    }
+
+    // Its own shape at the nearest limit, then as cut to a usual shape, then turned.
+    bool TryReduced(Sample const& model, Rule rule) {
+        Sample record = Copy(model);
+        int const side = model.LongerSide() > m_group.greatest ? m_group.greatest : m_group.least;
+        bool const isUpright = model.height > model.width;
+        int const own = Shorter(side, {model.LongerSide(), std::min(model.width, model.height)});
+        for (bool const isTurned : {false, true}) {
+            SetSize(record, side, own, isUpright != isTurned);
+            if (Try(record, model, rule)) return true;
+            for (auto const& cut : kCuts) {
+                SetSize(record, side, Shorter(side, cut), isUpright != isTurned);
+                if (Try(record, model, rule)) return true;
+            }
+        }
+        return false;
+    }
+
     // First the usual shapes, a random one each time, later those of cut pictures.
-    std::pair<int, int> Shape(int attempt) {
+    bool TryOnce(Sample const& model, int side, int attempt, Rule rule) {
         constexpr int kUsual = 3 * static_cast<int>(std::size(kShapes));
-        if (attempt < kUsual) return kShapes[m_random.Below(static_cast<int>(std::size(kShapes)))];
-        return {1000 + m_random.Below(1000), 1000};
+        std::pair<int, int> shape;
+        if (attempt < kUsual) {
+            shape = kShapes[m_random.Below(std::size(kShapes))];
+        } else {
+            shape = {1000 + m_random.Below(1000), 1000};
+        }
+        Sample record = Copy(model);
+        SetSize(record, side, Shorter(side, shape), m_random.Below(2) == 1);
+        return Try(std::move(record), model, rule);
+    }
+
+    bool TryShaped(Sample const& model, int side, Rule rule) {
+        for (int attempt = 0; attempt < kAttempts; ++attempt) {
+            if (TryOnce(model, side, attempt, rule)) return true;
+        }
+        return false;
+    }
+
+    // The sides are those of the platform's measured pictures.
+    bool TrySides(Sample const& model, Rule rule) {
+        for (int attempt = 0; attempt < kAttemptsOnSides; ++attempt) {
+            int const side = m_sides[static_cast<size_t>(m_random.Below(m_sides.size()))];
+            if (TryOnce(model, side, attempt, rule)) return true;
+        }
+        return false;
+    }
+
+    void FillFromPublished(size_t wanted) {
+        for (Sample const& profile : m_data.published) {
+            if (profile.group != m_group.name) continue;
+            for (bool hasAny = true; hasAny && m_made.size() < wanted;) {
+                hasAny = TryShaped(profile, m_made.size() % 2 == 0 ? m_group.greatest : m_group.least, Rule::Any);
+            }
+        }
     }
 
     // Twelve zeros and a running number tell that no file has this name; then half of the model's.
@@ -138,59 +226,32 @@ private:
         return name.str();
     }
 
+    Data const& m_data;
     Group const& m_group;
+    Nearness& m_nearness;
     Random m_random;
+    std::vector<Sample const*> m_usable, m_beyond;
+    std::vector<int> m_sides;
+    std::set<std::pair<Sample const*, Rule>> m_exhausted;
     std::set<Vector> m_taken;
     std::vector<Sample> m_made;
 };
 
-bool HasSide(std::vector<Sample> const& samples, int side) {
-    return std::any_of(samples.begin(), samples.end(), [&](Sample const& one) { return one.LongerSide() == side; });
+Modeller::Modeller(Data const& data, Group const& group, Nearness& nearness)
+    : m_maker(std::make_unique<Maker>(data, group, nearness)) {}
+Modeller::~Modeller() = default;
+
+void Modeller::AddBeyond(size_t count) {
+    m_maker->AddBeyond(count);
 }
-
-// The file whose longer side is nearest to `side`.
-Sample const& Nearest(Models const& models, int side) {
-    Sample const* best = nullptr;
-    for (auto const& model : models) {
-        for (Sample const* sample : model.second) {
-            if (best == nullptr || std::abs(sample->LongerSide() - side) < std::abs(best->LongerSide() - side)) {
-                best = sample;
-            }
-        }
-    }
-    return *best;
+void Modeller::AddWithSide(int side) {
+    m_maker->AddWithSide(side);
 }
-
-}  // namespace
-
-std::vector<Sample> Model(Data const& data, Group const& group, std::vector<Sample> const& chosen, int count) {
-    Modeller modeller(data, group);
-    if (count <= 0) return {};
-    auto const models = FindModels(data, group);
-    if (models.empty()) {
-        for (Sample const& profile : data.published) {
-            if (profile.group != group.name) continue;
-            while (modeller.Count() < count) {
-                modeller.Add(profile, modeller.Count() % 2 == 0 ? group.greatest : group.least);
-            }
-        }
-        if (modeller.Count() < count) throw std::runtime_error(group.name + ": nothing to model on");
-        return modeller.Take();
-    }
-    for (int const side : {group.least, group.greatest}) {
-        if (!HasSide(chosen, side)) modeller.Add(Nearest(models, side), side);
-    }
-    std::vector<int> const shares = ShareOut(models, count - modeller.Count());
-    size_t place = 0;
-    for (auto const& [profile, samples] : models) {
-        int const first = modeller.Below(static_cast<int>(samples.size()));
-        for (int i = 0; i < shares[place]; ++i) {
-            Sample const& model = *samples[static_cast<size_t>(first + i) % samples.size()];
-            modeller.Add(model, model.LongerSide());
-        }
-        ++place;
-    }
-    return modeller.Take();
+void Modeller::Fill(size_t count) {
+    m_maker->Fill(count);
+}
+std::vector<Sample> const& Modeller::GetRecords() const {
+    return m_maker->GetRecords();
 }
 
 }  // namespace makesocial

@@ -2,7 +2,6 @@
 #include "tools/makesocial/samples.h"
 
 #include <algorithm>
-#include <map>
 #include <numeric>
 #include <set>
 #include <stdexcept>
@@ -97,52 +96,11 @@ std::vector<Group> ReadGroups(std::string const& path) {
     std::vector<Group> groups;
     for (size_t row = 0; row < tsv.RowCount(); ++row) {
         groups.push_back({tsv.Cell(row, "group"), tsv.Number(row, "records"), tsv.Number(row, "least"),
-                          tsv.Number(row, "greatest")});
+                          tsv.Number(row, "greatest"), tsv.Cell(row, "draw") == "cover", tsv.Number(row, "beyond")});
+        if (!groups.back().isCovered && tsv.Cell(row, "draw") != "turn") tsv.Fail(row, "no way to draw");
         if (row > 0 && !(groups[row - 1].name < groups[row].name)) tsv.Fail(row, "not in the order of the names");
     }
     return groups;
-}
-
-// Samples of one profile, collection and year, the sizes that are there once first.
-std::vector<Sample const*> SizesFirst(std::vector<Sample const*> samples) {
-    std::sort(samples.begin(), samples.end(), [](auto const* a, auto const* b) { return a->file < b->file; });
-    std::map<std::pair<int, int>, int> seen;
-    std::vector<std::pair<int, Sample const*>> ranked;
-    for (Sample const* sample : samples) ranked.emplace_back(seen[{sample->width, sample->height}]++, sample);
-    std::stable_sort(ranked.begin(), ranked.end(), [](auto const& a, auto const& b) { return a.first < b.first; });
-    std::vector<Sample const*> result;
-    for (auto const& one : ranked) result.push_back(one.second);
-    return result;
-}
-
-// One of each collection and year in turn.
-std::vector<Sample const*> CollectionsInTurn(std::vector<Sample const*> const& samples) {
-    std::map<std::pair<std::string, std::string>, std::vector<Sample const*>> strata;
-    for (Sample const* sample : samples) strata[{sample->collection, sample->date.substr(0, 4)}].push_back(sample);
-    for (auto& stratum : strata) stratum.second = SizesFirst(std::move(stratum.second));
-    std::vector<Sample const*> result;
-    for (size_t turn = 0; result.size() < samples.size(); ++turn) {
-        for (auto const& [key, stratum] : strata) {
-            if (turn < stratum.size()) result.push_back(stratum[turn]);
-        }
-    }
-    return result;
-}
-
-// Takes one of each profile in turn until there are `count`.
-void TakeInTurn(std::vector<Sample const*> const& samples, size_t count, std::vector<Sample>& taken) {
-    std::map<Profile, std::vector<Sample const*>> profiles;
-    for (Sample const* sample : samples) profiles[sample->GetProfile()].push_back(sample);
-    for (auto& profile : profiles) profile.second = CollectionsInTurn(profile.second);
-    bool hasMore = true;
-    for (size_t turn = 0; hasMore && taken.size() < count; ++turn) {
-        hasMore = false;
-        for (auto const& [key, ranked] : profiles) {
-            if (turn >= ranked.size() || taken.size() >= count) continue;
-            taken.push_back(*ranked[turn]);
-            hasMore = true;
-        }
-    }
 }
 
 }  // namespace
@@ -157,71 +115,14 @@ Data ReadData(std::string const& folder) {
     return data;
 }
 
-bool IsUsable(Data const& data, Group const& group, Sample const& sample) {
+bool IsEncodingUsable(Data const& data, Sample const& sample) {
     Table const& table = data.tables[static_cast<size_t>(sample.table)];
-    return sample.group == group.name && group.Admits(sample) && sample.markers <= kMostMarkers &&
-           std::accumulate(table.begin(), table.end(), 0) <= kCoarsest &&
+    return sample.markers <= kMostMarkers && std::accumulate(table.begin(), table.end(), 0) <= kCoarsest &&
            *std::min_element(table.begin(), table.end()) > 0;
 }
 
-std::vector<Sample> Thin(Data const& data, Group const& group, int count) {
-    std::vector<Sample> taken;
-    std::set<std::string> bounds;
-    for (int const side : {group.least, group.greatest}) {
-        auto const found = std::find_if(data.measured.begin(), data.measured.end(), [&](Sample const& one) {
-            return IsUsable(data, group, one) && one.LongerSide() == side;
-        });
-        if (found == data.measured.end()) continue;
-        taken.push_back(*found);
-        bounds.insert(found->file);
-    }
-    std::vector<Sample const*> samples;
-    for (Sample const& sample : data.measured) {
-        if (IsUsable(data, group, sample) && bounds.count(sample.file) == 0) samples.push_back(&sample);
-    }
-    TakeInTurn(samples, static_cast<size_t>(count), taken);
-    return taken;
-}
-
-int CountToModel(Data const& data, Group const& group) {
-    int admitted = 0;
-    bool hasLeast = false;
-    bool hasGreatest = false;
-    for (Sample const& sample : data.measured) {
-        if (!IsUsable(data, group, sample)) continue;
-        ++admitted;
-        hasLeast = hasLeast || sample.LongerSide() == group.least;
-        hasGreatest = hasGreatest || sample.LongerSide() == group.greatest;
-    }
-    return std::max(group.records - admitted, (hasLeast ? 0 : 1) + (hasGreatest ? 0 : 1));
-}
-
-std::vector<Sample> MakeGroups(Data const& data) {
-    std::vector<Sample> table;
-    for (Group const& group : data.groups) {
-        int const toModel = CountToModel(data, group);
-        std::vector<Sample> measured = Thin(data, group, group.records - toModel);
-        std::vector<Sample> const modelled =
-            Model(data, group, measured, group.records - static_cast<int>(measured.size()));
-        // A search names the last of equals: the measured ones stand last, the newest at the end.
-        std::sort(measured.begin(), measured.end(),
-                  [](Sample const& a, Sample const& b) { return std::tie(a.date, a.file) < std::tie(b.date, b.file); });
-        table.insert(table.end(), modelled.begin(), modelled.end());
-        table.insert(table.end(), measured.begin(), measured.end());
-    }
-    return table;
-}
-
-std::vector<Sample> MakeTable(Data data) {
-    for (;;) {
-        std::vector<Sample> table = MakeGroups(data);
-        std::set<std::string> const lone = FindLone(data, table);
-        if (lone.empty()) return table;
-        size_t const before = data.measured.size();
-        auto const isLone = [&](Sample const& one) { return lone.count(one.file.substr(0, 16)) != 0; };
-        data.measured.erase(std::remove_if(data.measured.begin(), data.measured.end(), isLone), data.measured.end());
-        if (data.measured.size() == before) throw std::runtime_error("a record that no other is like");
-    }
+bool IsUsable(Data const& data, Group const& group, Sample const& sample) {
+    return sample.group == group.name && group.Admits(sample) && IsEncodingUsable(data, sample);
 }
 
 }  // namespace makesocial

@@ -2,6 +2,7 @@
 // The samples of data/social_*.tsv, and what of them goes into the compiled table.
 #pragma once
 #include <array>
+#include <memory>
 #include <ostream>
 #include <set>
 #include <string>
@@ -31,6 +32,8 @@ struct Sample {
 struct Group {
     std::string name;
     int records = 0, least = 0, greatest = 0;  // sides: of the pictures' longer one
+    bool isCovered = false;                    // how measured samples are drawn, see Draw
+    int beyond = 0;                            // how many records may be modelled on files of other sizes
 
     bool Admits(Sample const& sample) const { return Admits(sample.LongerSide()); }
     bool Admits(int side) const { return side >= least && side <= greatest; }
@@ -55,28 +58,48 @@ Data ReadData(std::string const& folder);
 constexpr int kCoarsest = 777;
 constexpr int kMostMarkers = 29;
 
-// May the measured sample stand in the group, or stand model for records of it?
+// May the sample's encoding stand in the table?
+bool IsEncodingUsable(Data const& data, Sample const& sample);
+// Its size too?
 bool IsUsable(Data const& data, Group const& group, Sample const& sample);
 
-// `count` of the group's measured samples, as different as can be: one with the least side and one with the greatest if
-// there are such, then one of each profile in turn, and within a profile one of each collection and year.
-std::vector<Sample> Thin(Data const& data, Group const& group, int count);
+class Nearness;
 
-// `count` records that are modelled on the group's measured samples or on its published profile, each unlike every
-// measured sample and every other. `chosen` are those that stand in the table already: where none of them has the
-// group's least or greatest side, a modelled one has.
-std::vector<Sample> Model(Data const& data, Group const& group, std::vector<Sample> const& chosen, int count);
+// Samples in the order in which they are drawn: one of each collection in turn, and within a collection one of each
+// year and encoding, sizes that are there once first.
+std::vector<Sample const*> InTurn(std::vector<Sample const*> const& samples);
 
-// How many records of the group have to be modelled.
-int CountToModel(Data const& data, Group const& group);
+// `count` of the group's measured samples, fewer if there are no more: one with the least side and one with the
+// greatest if there are such, then in turn. Those that another platform's samples come nearer to than samples of their
+// own from other collections come last, those first that other platforms' samples are farthest from. In a covered group
+// the next one is always that which most samples from other collections are like that fewer than three of those drawn
+// are like; files from no platform that are like it count against it, each 0.6 of one.
+std::vector<Sample> Draw(Data const& data, Group const& group, Nearness& nearness, size_t count);
 
-// The first halves of the identifiers of the files behind those records that aren't recognised by their own group: no
-// two others of it are so like them that the classifier's mean of three is reached. The first record with a
-// group's least side and with its greatest is passed over: one has to be.
-std::set<std::string> FindLone(Data const& data, std::vector<Sample> const& table);
+// Makes records that are modelled on the group's measured samples or on its published profile, each unlike every
+// measured sample and every other record. The samples have to outlive it.
+class Modeller {
+public:
+    Modeller(Data const& data, Group const& group, Nearness& nearness);
+    ~Modeller();
+    Modeller(Modeller const&) = delete;
+    Modeller& operator=(Modeller const&) = delete;
 
-// All records in the order of the table, none of them lone, since such a one could never help to name a platform.
-std::vector<Sample> MakeTable(Data data);
+    // Up to `count` records on files of other sizes than the group admits, reduced (or enlarged) to its limits.
+    void AddBeyond(size_t count);
+    // One with this longer side.
+    void AddWithSide(int side);
+    // As many as are still wanted, on all measured files.
+    void Fill(size_t count);
+    std::vector<Sample> const& GetRecords() const;
+
+private:
+    class Maker;
+    std::unique_ptr<Maker> m_maker;
+};
+
+// All records in the order of the table.
+std::vector<Sample> MakeTable(Data const& data);
 
 void WriteTable(Data const& data, std::vector<Sample> const& records, std::ostream& out);
 // The samples with their numbers in full, as `orvelle social --evaluate` reads them.
