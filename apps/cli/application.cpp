@@ -6,6 +6,7 @@
 #include <wx/log.h>
 
 #include <clocale>
+#include <exception>
 
 #include "apps/cli/failure.h"
 #include "apps/cli/terminal.h"
@@ -22,6 +23,8 @@ Terminal* g_terminal = nullptr;
 class ConsoleApp : public wxAppConsole {
 public:
     bool OnInit() override { return true; }
+    // wxWidgets' own needs memory to tell that there was none.
+    void OnUnhandledException() override { std::terminate(); }
 };
 
 // Texts that wxWidgets logs, also on the worker, shown on the main thread.

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The files that a user's work stands in, each with an old and a new state and the way it is written.
 #pragma once
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -13,27 +11,12 @@
 #include "apps/cli/userqt.h"
 #include "orvcore/project.h"
 #include "orvcore/smscollection.h"
+#include "tests/faults/rounds.h"
 #include "tests/orvcore/smssamples.h"
 #include "tests/support/engine.h"
 #include "tolbase/exception.h"
 
 namespace faults {
-
-// How often a fault is tried: ORV_FAULT_ROUNDS, or `usual`.
-inline int Rounds(int usual) {
-    char const* const given = std::getenv("ORV_FAULT_ROUNDS");
-    int const rounds = given != nullptr ? std::atoi(given) : 0;
-    return rounds > 0 ? rounds : usual;
-}
-
-// Printed, so that a failure can be repeated: ORV_FAULT_SEED.
-inline unsigned Seed() {
-    char const* const given = std::getenv("ORV_FAULT_SEED");
-    unsigned const seed =
-        given != nullptr ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device()();
-    std::printf("seed %u (set ORV_FAULT_SEED to repeat it)\n", seed);
-    return seed;
-}
 
 struct Document {
     std::string name;

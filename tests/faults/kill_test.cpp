@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <random>
 #include <thread>
 
 #include "tests/faults/documents.h"
