@@ -2,6 +2,7 @@
 // Commands posted, replaced, aborted and answered at random, while another thread copies what is displayed.
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <random>
 
 #include "filters/registry.h"
@@ -45,6 +46,9 @@ protected:
             filters.push_back(entry.filter);
         }
         StartOptions();
+        // Silencing the assertions of a handler is no business of another thread's.
+        iface->SetProgressHandler(nullptr);
+        for (OrvFilter* filter : filters) parameters[filter] = filter->GetConfigurationParams(0);
         for (int i = 0; i < 4; ++i) {
             wxString const name = wxString::FromUTF8("photo" + std::to_string(i) + ".jpg");
             files.push_back(Jpeg(name, 48 + 16 * i, 40, static_cast<unsigned>(i)));
@@ -61,13 +65,14 @@ protected:
 
     void PostOne() {
         OrvFilter* const filter = Any(filters);
+        VecParameter const& chosen = parameters.at(filter);
         switch (random() % 16) {
             case 0:
-                iface->SetFile(Any(files), Slot());
+                PostFile();
                 break;
             case 1:
             case 2:
-                iface->SetFileConfigure(Any(files), Any(files), filter, VecParameter(), VecParameter(), Coin());
+                iface->SetFileConfigure(Any(files), Any(files), filter, chosen, VecParameter(), Coin());
                 break;
             case 3:
                 iface->DeleteCache(Slot());
@@ -97,10 +102,18 @@ protected:
                 iface->DumpEmbeddedJpgs(files[random() % 4]);
                 break;
             default:
-                iface->Configure(filter, -1, filter->GetConfigurationParams(0), VecParameter(), Coin());
+                iface->Configure(filter, -1, chosen, VecParameter(), Coin());
                 break;
         }
         ++posted;
+    }
+    // Takes the filter and the parameters that are in use, which only an idle worker lets be read.
+    void PostFile() {
+        if (isIdle) {
+            iface->SetFile(Any(files), Slot());
+        } else {
+            iface->NewProject();
+        }
     }
     void PostReprocess() {
         if (hasActiveFilter) {
@@ -126,7 +139,9 @@ protected:
         hasActiveFilter = context->GetActiveFilter() != nullptr;
         std::uint64_t const start = worker->GetCommandsDone();
         std::uint64_t answers = 0;
+        isIdle = true;
         PostOne();
+        isIdle = false;
         for (unsigned more = random() % 4; more > 0; --more) {
             if (random() % 3 == 0) std::this_thread::sleep_for(std::chrono::microseconds(random() % 10000));
             DoOne();
@@ -212,7 +227,9 @@ protected:
     std::vector<OrvFilter*> filters;
     std::vector<wxString> files;
     std::mt19937 random{static_cast<unsigned>(NumberFrom("ORV_SOAK_SEED", UsualSeed))};
+    std::map<OrvFilter*, VecParameter> parameters;
     bool hasActiveFilter = false;
+    bool isIdle = false;
     int posted = 0;
     int aborted = 0;
     std::uint64_t executed = 0;
