@@ -140,7 +140,8 @@ private:
             folder = absolute;
             m_request.mode = BatchMode::Files;
             m_request.report = (std::filesystem::path(absolute) / "results").string();
-            manifest = (std::filesystem::path(absolute) / "manifest.json").string();
+            // Results only; the files are hashed all the same, to tell which of them changed meanwhile.
+            manifest = "/dev/null";
             if (Exists(folder) && !std::filesystem::is_directory(folder)) {
                 throw Failure(ExitOutput, m_output.path, "can't be written: not a folder");
             }
@@ -197,7 +198,7 @@ private:
         const bool own = !m_noReport && IsOwnOutput(manifest, m_request.report, m_request.files);
         const bool mayReplace = m_output.force || own;
         // A manifest without its report is what a killed run leaves.
-        const bool orphan = (m_noReport || !Exists(m_request.report)) && IsManifest(manifest);
+        const bool orphan = !m_noReport && !Exists(m_request.report) && IsManifest(manifest);
         if (!m_noReport && !mayReplace && Exists(m_request.report)) {
             throw Failure(ExitOutput, m_output.path, "exists (--force replaces it)");
         }

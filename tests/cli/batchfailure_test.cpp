@@ -132,13 +132,14 @@ TEST_F(BatchFailure, MetadataWithScripts_IsEscapedInTheReport) {
 
 TEST_F(BatchFailure, ForeignManifest_StaysWithoutForce) {
     std::filesystem::create_directories(Out(""));
-    WriteFile(Out("manifest.json"), "{\"name\":\"somebody's web page\"}");
+    const std::string manifest = Out("r.html.manifest.json");
+    WriteFile(manifest, "{\"name\":\"somebody's web page\"}");
     const std::string photo = Photo("a.jpg");
-    EXPECT_EQ(5, Orvelle({"batch", "--filter", "EXIF", "--no-report", "--output", Out(""), photo}).status);
-    EXPECT_EQ("{\"name\":\"somebody's web page\"}", ReadFile(Out("manifest.json")));
-    EXPECT_EQ(0, Orvelle({"batch", "--filter", "EXIF", "--no-report", "--force", "--output", Out(""), photo}).status);
+    EXPECT_EQ(5, Orvelle({"batch", "--filter", "EXIF", "--output", Out("r.html"), photo}).status);
+    EXPECT_EQ("{\"name\":\"somebody's web page\"}", ReadFile(manifest));
+    EXPECT_EQ(0, Orvelle({"batch", "--filter", "EXIF", "--force", "--output", Out("r.html"), photo}).status);
     // Its own one is replaced.
-    EXPECT_EQ(0, Orvelle({"batch", "--filter", "EXIF", "--no-report", "--output", Out(""), photo}).status);
+    EXPECT_EQ(0, Orvelle({"batch", "--filter", "EXIF", "--output", Out("r.html"), photo}).status);
 }
 
 TEST_F(BatchFailure, ManifestWithoutItsReport_StopsNoFurtherRun) {
