@@ -166,13 +166,15 @@ TEST_F(ProgramFaults, LittleMemory_IsTold) {
     std::string const photo = Photo("a.jpg", 2000, 1500);
     std::string const output = Folder() + "/noise.png";
     constexpr rlim_t Mebi = rlim_t{1} << 20;
+    // More would take longer than a test may.
+    rlim_t const steps = static_cast<rlim_t>(std::min(faults::Rounds(3), 10));
     std::vector<std::vector<std::string>> const commands = {
         {"info", "--extended", photo}, {"filter", "Noise Map", photo, "--output", output, "--force"}, {"sms", "list"}};
     int tried = 0;
     int failed = 0;
     for (auto const& command : commands) {
         // Below some of them not even the system's loader gets through; above others nothing is short.
-        for (rlim_t memory = 16; memory <= 1200; memory += memory / static_cast<rlim_t>(faults::Rounds(3)) + 1) {
+        for (rlim_t memory = 16; memory <= 1200; memory += memory / steps + 1) {
             Limits limits;
             limits.memory = memory * Mebi;
             Ended const ended = Run(command, limits);
