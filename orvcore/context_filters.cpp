@@ -33,6 +33,10 @@ OrvFilter* OrvContext::GetFilterFromName(wxString const& name) const {
     for (OrvFilter* filter : m_filters) {
         if (Serializer::AreNamesEquivalent(filter->GetName(), name)) return filter;
     }
+    // Lists of configurations name the filters in the user's language.
+    for (OrvFilter* filter : m_filters) {
+        if (Serializer::AreNamesEquivalent(OrvTranslate(filter->GetName()), name)) return filter;
+    }
     return nullptr;
 }
 

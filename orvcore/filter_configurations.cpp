@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "orvcore/filter.h"
+#include "orvcore/translate.h"
 #include "tolbase/serializer.h"
 #include "tolbase/text.h"
 
@@ -133,7 +134,9 @@ void OrvFilter::SetConfigurationsFromVecString(const VecString& list) {
         wxString head = entry.BeforeFirst('-');
         const bool enabled = !head.StartsWith("!");
         if (!enabled) head = head.AfterFirst('!');
-        if (!Serializer::AreNamesEquivalent(GetName(), head)) continue;
+        const bool isOwn = Serializer::AreNamesEquivalent(GetName(), head) ||
+                           Serializer::AreNamesEquivalent(OrvTranslate(GetName()), head);
+        if (!isOwn) continue;
         OrvFilterConfiguration configuration(m_parametersInput);
         configuration.Enable(enabled);
         const VecString values = SplitValues(entry.AfterFirst('-'));

@@ -23,16 +23,20 @@ bool CopyIfMissing(wxString const& from, wxString const& to) {
 
 }  // namespace
 
-wxString OrvFindReportStyle() {
+wxString OrvFindShared(wxString const& name) {
     wxString folder = wxPathOnly(wxStandardPaths::Get().GetExecutablePath());
     for (int level = 0; level <= FoldersAbove && !folder.empty(); ++level) {
-        const wxString candidate = folder + "/share/orvelle/report-style";
+        const wxString candidate = folder + "/share/orvelle/" + name;
         if (wxFileName::DirExists(candidate)) return candidate;
         folder = wxPathOnly(folder);
     }
     if (GetContext() == nullptr) return {};
-    const wxString own = GetContext()->GetConfigDir() + "report-style";
+    const wxString own = GetContext()->GetConfigDir() + name;
     return wxFileName::DirExists(own) ? own : wxString();
+}
+
+wxString OrvFindReportStyle() {
+    return OrvFindShared("report-style");
 }
 
 bool OrvInstallReportStyle(wxString const& documentsPath, wxString const& source) {

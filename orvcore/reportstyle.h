@@ -8,8 +8,11 @@
 
 #include "tolbase/export.h"
 
-// The installed folder: "share/orvelle/report-style" beneath the program's folder or one of the three above it, or else
-// "report-style" in the context's data folder. Empty if there is none.
+// An installed folder: "share/orvelle/<name>" beneath the program's folder or one of the three above it, or else
+// <name> in the context's data folder. Empty if there is none.
+ORV_API wxString OrvFindShared(wxString const& name);
+
+// The installed "report-style".
 ORV_API wxString OrvFindReportStyle();
 
 // Copies those of the two files that the folder "report-style" beneath `documentsPath` lacks; one that is there is the

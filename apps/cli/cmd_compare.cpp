@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // orvelle compare: what one table says of two files, side by side.
+#include <wx/translation.h>
+
 #include <algorithm>
 
 #include "apps/cli/arguments.h"
@@ -16,6 +18,8 @@
 #include "orvcore/comparisontable.h"
 #include "orvcore/infotable.h"
 #include "orvcore/socialmediatable.h"
+#include "orvcore/tablewriter.h"
+#include "orvcore/translate.h"
 #include "tolbase/htmlwriter.h"
 #include "tolbase/text.h"
 
@@ -76,10 +80,12 @@ std::string Title(std::string const& table) {
 }
 
 std::string Summary(Compared const& compared) {
-    if (compared.hard + compared.soft + compared.plain == 0) return "No differences";
-    std::string text =
-        "Differences: " + std::to_string(compared.hard) + " hard, " + std::to_string(compared.soft) + " soft";
-    if (compared.plain > 0) text += ", " + std::to_string(compared.plain) + " that any two files have";
+    if (compared.hard + compared.soft + compared.plain == 0) return Translated("No differences");
+    const auto formatted = [](char const* text, auto... numbers) {
+        return ToUtf8(wxString::Format(OrvTranslate(text), numbers...));
+    };
+    std::string text = formatted(wxTRANSLATE("Differences: %d hard, %d soft"), compared.hard, compared.soft);
+    if (compared.plain > 0) text += formatted(wxTRANSLATE(", %d that any two files have"), compared.plain);
     return text;
 }
 
@@ -91,8 +97,8 @@ std::vector<size_t> BlockColumns(Compared const& compared) {
 }
 
 void WriteText(Compared const& compared, bool colour, Output& output) {
-    output.Write("Evidence:  " + Printable(compared.evidence.path) +
-                 "\nReference: " + Printable(compared.reference.path) + "\n\n");
+    output.Write(Translated("Evidence:  ") + Printable(compared.evidence.path) + "\n" + Translated("Reference: ") +
+                 Printable(compared.reference.path) + "\n\n");
     output.Write(GridText(compared.rows, BlockColumns(compared), colour));
     output.Write(Summary(compared) + "\n");
 }
@@ -118,12 +124,12 @@ void WriteJson(Compared const& compared, bool oneLine, Output& output) {
 }
 
 void WriteHtml(Compared const& compared, Output& output) {
-    wxString page = HtmlWriter::DoHeader(wxString(), FromUtf8(Title(compared.table)));
+    wxString page = HtmlWriter::DoHeader(wxString(), FromUtf8(Translated(Title(compared.table))));
     const auto tell = [&](char const* name, Record const& record) {
-        page += HtmlWriter::DoP(EscapeHtmlString(
-            FromUtf8(std::string(name) + ": " + Printable(record.path) + ", SHA256 " + record.sha256)));
+        page += HtmlWriter::DoP(
+            EscapeHtmlString(FromUtf8(Translated(name) + ": " + Printable(record.path) + ", SHA256 " + record.sha256)));
     };
-    page += HtmlWriter::DoH(1, FromUtf8(Title(compared.table)), wxString());
+    page += HtmlWriter::DoH(1, FromUtf8(Translated(Title(compared.table))), wxString());
     tell("Evidence", compared.evidence);
     tell("Reference", compared.reference);
     wxString rows;
@@ -172,6 +178,7 @@ public:
         for (std::string const& file : {m_evidence, m_reference}) {
             if (output.IsFile(file)) throw Failure(ExitOutput, m_output.path, "is an examined file itself");
         }
+        environment.isForPeople = m_output.IsForPeople();
         Session session(environment);
         session.KeepNoCopies();
         if (m_table == "social") LoadSocialSignatures(session, environment.terminal);
@@ -208,7 +215,7 @@ private:
         examine(m_evidence, Evidence, compared.evidence);
         examine(m_reference, Reference, compared.reference);
         if (!done) return false;
-        for (VecString const& row : *rows) {
+        for (VecString const& row : TranslateTable(*rows, 0)) {
             compared.rows.emplace_back();
             for (wxString const& cell : row) compared.rows.back().push_back(ToUtf8(cell));
         }

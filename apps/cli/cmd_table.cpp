@@ -107,6 +107,7 @@ public:
     ExitCode Run(Environment& environment) override {
         CheckOutput();
         Output output(m_output.path, m_output.force);
+        environment.isForPeople = m_output.IsForPeople();
         Session session(environment);
         session.KeepNoCopies();
         const std::vector<std::string> files = FindFiles(session, environment, output);
@@ -219,6 +220,7 @@ public:
         CheckOutput();
         Output output(m_output.path, m_output.force);
         if (output.IsFile(m_evidence)) throw Failure(ExitOutput, m_output.path, "is an examined file itself");
+        environment.isForPeople = m_output.IsForPeople();
         Session session(environment);
         session.KeepNoCopies();
         const std::vector<std::string> files = FindFiles(session, environment, output);

@@ -16,6 +16,8 @@ namespace cli {
 struct Environment {
     Terminal terminal;
     std::string documents;  // --documents; empty for the default
+    // What is told is for people: in the language of the settings. Everything else is English, whatever they say.
+    bool isForPeople = false;
 };
 
 class Command {

@@ -32,9 +32,12 @@ void GridWriter::Start() {
     m_started = true;
     if (m_format == "json") m_output.Write("[");
     if (m_format == "html") {
-        m_output.Write(ToUtf8(HtmlWriter::DoHeader(wxString(), FromUtf8(m_title))) + "<table>\n");
+        m_output.Write(ToUtf8(HtmlWriter::DoHeader(wxString(), FromUtf8(Translated(m_title)))) + "<table>\n");
     }
-    if (m_titlesShown && m_format != "json" && m_format != "jsonl") WriteRow(m_titles);
+    if (!m_titlesShown || m_format == "json" || m_format == "jsonl") return;
+    std::vector<std::string> titles = m_titles;
+    for (std::string& title : titles) title = Translated(title);
+    WriteRow(titles);
 }
 
 void GridWriter::AddRow(std::vector<std::string> const& cells, Json const& facts) {

@@ -28,6 +28,11 @@ std::string OutputOptions::Format() const {
     return format.empty() ? FormatOfPath(path) : format;
 }
 
+bool OutputOptions::IsForPeople() const {
+    const std::string form = Format();
+    return form == "text" || form == "html";
+}
+
 void FileOptions::Define(CLI::App& app) {
     AddList(app, "FILE", names, 0, "Images, and folders of images");
     AddText(app, "--files-from", list,
@@ -58,6 +63,7 @@ void RecordRun::RefuseToReplace(std::vector<std::string> const& files, Output co
 
 ExitCode RecordRun::Run(FillRecord const& fill) {
     Output output(m_outputOptions.path, m_outputOptions.force);
+    m_environment.isForPeople = m_outputOptions.IsForPeople();
     Session session(m_environment);
     session.KeepNoCopies();
     if (m_prepare) m_prepare(session);

@@ -25,6 +25,8 @@ struct OutputOptions {
     void Define(CLI::App& app);
     // The format asked for, or that of the file's ending, or text.
     std::string Format() const;
+    // Not for programs: text or a page.
+    bool IsForPeople() const;
 };
 
 // FILE..., -r and --files-from. Once the arguments are parsed `names` holds those of the list, too, and is not empty.

@@ -4,6 +4,7 @@
 #include <unistd.h>
 #include <wx/app.h>
 #include <wx/log.h>
+#include <wx/translation.h>
 
 #include <chrono>
 #include <condition_variable>
@@ -17,6 +18,7 @@
 #include "apps/cli/text.h"
 #include "apps/cli/versions.h"
 #include "orvcore/interface.h"
+#include "orvcore/reportstyle.h"
 #include "tolbase/file.h"
 #include "tolbase/json.h"
 #include "tolimage/exiftool.h"
@@ -95,9 +97,10 @@ Session::Session(Environment& environment) : m_environment(environment), m_sink(
     version.SetEngineRevision(FromUtf8(ProgramVersion()));
     version.SetBuildDate(FromUtf8(BuildDate()));
     version.SetPlatform(FromUtf8(PlatformName()));
-    version.SetLangDir(m_context->GetConfigDir() + "lang");
+    version.SetLangDir(OrvFindShared("lang"));
     m_context->InitProgramOptions(version);
     m_context->SetAppVersion(version);
+    if (!environment.isForPeople) wxTranslations::Set(nullptr);
     CheckSettings();
     m_interface->LoadProgramOptions(m_context->GetProgramOptionsPath());
 }

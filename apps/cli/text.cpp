@@ -3,6 +3,7 @@
 
 #include <array>
 
+#include "orvcore/translate.h"
 #include "tolbase/file.h"
 
 namespace cli {
@@ -122,6 +123,10 @@ std::string PercentEscaped(std::string_view bytes) {
         }
     }
     return text;
+}
+
+std::string Translated(std::string const& text) {
+    return ToUtf8(OrvTranslate(FromUtf8(text)));
 }
 
 size_t CountCharacters(std::string_view utf8) {

@@ -26,6 +26,9 @@ std::string Valid(std::string_view text);
 // Every byte other than letters, digits, "-", ".", "_", "~" and "/" as "%NN".
 std::string PercentEscaped(std::string_view bytes);
 
+// A text of the program's own in the user's language.
+std::string Translated(std::string const& text);
+
 // Characters, not bytes.
 size_t CountCharacters(std::string_view utf8);
 

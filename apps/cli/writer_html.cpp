@@ -13,16 +13,18 @@ namespace {
 class PageWriter : public RecordWriter {
 public:
     PageWriter(Output& output, RecordStyle const& style) : m_output(output), m_style(style) {
-        Put(HtmlWriter::DoHeader(wxString(), FromUtf8(m_style.title)));
+        Put(HtmlWriter::DoHeader(wxString(), FromUtf8(Translated(m_style.title))));
     }
 
     void Add(Record const& record) override {
-        const std::string heading = (record.slot == "reference" ? "Reference: " : "") + Printable(record.path);
+        const std::string heading =
+            (record.slot == "reference" ? Translated("Reference: ") : "") + Printable(record.path);
         Put(HtmlWriter::DoH(1, EscapeHtmlString(FromUtf8(heading)), wxString()));
         Put(HtmlWriter::DoP(EscapeHtmlString(FromUtf8("SHA256 " + record.sha256))));
         wxString rows;
         for (RecordLine const& line : LinesOf(record)) {
-            rows += HtmlWriter::DoTrRedExcl({FromUtf8(line.title), FromUtf8(line.value), FromUtf8(line.warning)});
+            rows += HtmlWriter::DoTrRedExcl(
+                {FromUtf8(Translated(line.title)), FromUtf8(line.value), FromUtf8(line.warning)});
         }
         Put(HtmlWriter::DoTable(rows));
         m_output.Flush();

@@ -6,6 +6,7 @@
 #include "apps/cli/recordwriter.h"
 #include "apps/cli/text.h"
 #include "orvcore/tablewriter.h"
+#include "orvcore/translate.h"
 
 namespace cli {
 
@@ -38,10 +39,11 @@ struct Layout {
         // A blank in front would move the whole column to the right.
         const bool isLong = line.warning.empty() && (CountCharacters(Printable(line.value)) > WidestValue ||
                                                      (!line.value.empty() && line.value[0] == ' '));
-        table.push_back({Cell(line.title), Cell(isLong ? "" : line.value), Cell(line.warning)});
+        const std::string title = Translated(line.title);
+        table.push_back({Cell(title), Cell(isLong ? "" : line.value), Cell(line.warning)});
         longValues.push_back(isLong ? Printable(line.value) : "");
         warnings.push_back(Printable(line.warning));
-        titleWidth = std::max(titleWidth, CountCharacters(Printable(line.title)));
+        titleWidth = std::max(titleWidth, CountCharacters(Printable(title)));
     }
 
     // The engine's layout, with the long values put in.
@@ -81,7 +83,7 @@ public:
 
 private:
     void Heading(Record const& record) {
-        const std::string text = (record.slot == "reference" ? "Reference: " : "") + Printable(record.path);
+        const std::string text = (record.slot == "reference" ? Translated("Reference: ") : "") + Printable(record.path);
         m_output.Write((m_style.colour ? Bold + text + Plain : text) + "\n");
         m_output.Write(std::string(CountCharacters(text), '-') + "\n");
     }
@@ -103,8 +105,8 @@ private:
         const int hard = record.CountWarnings(true);
         const int soft = record.CountWarnings(false);
         std::string line = hard + soft == 0
-                               ? "No warnings"
-                               : "Warnings: " + std::to_string(hard) + " hard, " + std::to_string(soft) + " soft";
+                               ? Translated("No warnings")
+                               : ToUtf8(wxString::Format(OrvTranslate("Warnings: %d hard, %d soft"), hard, soft));
         if (m_style.colour && hard + soft > 0) line = (hard > 0 ? Red : Yellow) + line + Plain;
         m_output.Write(line + "\n");
         if (!m_style.verbose) return;
@@ -112,7 +114,7 @@ private:
         for (RecordRule const& rule : record.rules) {
             if (rule.status == RuleStatus::NotEvaluated) open += (open.empty() ? "" : ", ") + rule.key;
         }
-        if (!open.empty()) m_output.Write("Not evaluated: " + open + "\n");
+        if (!open.empty()) m_output.Write(Translated("Not evaluated: ") + open + "\n");
     }
 
     Output& m_output;
