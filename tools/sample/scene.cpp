@@ -75,10 +75,11 @@ private:
 };
 
 // Fills the marked pixels: what the water mirrors, what shines through it, the more of the first the flatter the view.
+// Several painters work on one frame at the same time, so each goes by the depths as they were marked.
 class LakePainter {
 public:
-    LakePainter(Frame& frame, View const& view, Terrain const& terrain)
-        : m_frame(frame), m_view(view), m_terrain(terrain) {}
+    LakePainter(Frame& frame, std::vector<float> const& marked, View const& view, Terrain const& terrain)
+        : m_frame(frame), m_marked(marked), m_view(view), m_terrain(terrain) {}
 
     void Paint(int column) {
         const float slopeX = m_view.SlopeX(static_cast<float>(column));
@@ -113,7 +114,7 @@ private:
         // What stands higher than the picture reaches is sky like that at its edge.
         int target = std::clamp(static_cast<int>(std::lround(mirror)), 0, m_frame.height - 1);
         const int side = std::clamp(column + static_cast<int>(m_view.focal * slope * 0.25F), 0, m_frame.width - 1);
-        while (target > 0 && (m_frame.depth[m_frame.At(side, target)] < 400)) --target;
+        while (target > 0 && (m_marked[m_frame.At(side, target)] < 400)) --target;
         return m_frame.colour[m_frame.At(side, target)] * 0.93F;
     }
 
@@ -126,6 +127,7 @@ private:
     }
 
     Frame& m_frame;
+    std::vector<float> const& m_marked;
     View const& m_view;
     Terrain const& m_terrain;
 };
@@ -144,8 +146,9 @@ Frame RenderScene(int width, int height, uint32_t seed) {
     const Plants plants(view, terrain);
     InBands(height, [&](int begin, int end) { plants.PaintFarTrees(frame, begin, end); });
     // The lake mirrors what is far; what stands on the near shore is drawn over it.
+    const std::vector<float> marked = frame.depth;
     InBands(width, [&](int begin, int end) {
-        LakePainter painter(frame, view, terrain);
+        LakePainter painter(frame, marked, view, terrain);
         for (int column = begin; column < end; ++column) painter.Paint(column);
     });
     InBands(height, [&](int begin, int end) {
