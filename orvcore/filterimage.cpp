@@ -37,7 +37,8 @@ Image FitReport(Image const& picture, int least, int greatest) {
 // True if a PNG gives the very picture back.
 bool IsKeptByPng(Image const& picture) {
     int const depth = static_cast<_IplImage const*>(picture)->depth;
-    return (depth == IPL_DEPTH_8U || depth == static_cast<int>(IPL_DEPTH_16U)) && picture.Channels() != 2 && picture.Channels() <= 4;
+    return (depth == IPL_DEPTH_8U || depth == static_cast<int>(IPL_DEPTH_16U)) && picture.Channels() != 2 &&
+           picture.Channels() <= 4;
 }
 
 // Packing would take longer than many a calculation, and unpacking as long: speed is what the cache is for.
