@@ -9,6 +9,7 @@
 #include "orvcore/fileslot.h"
 #include "orvcore/filter.h"
 #include "orvcore/project.h"
+#include "tolbase/exception.h"
 #include "tolbase/file.h"
 #include "tolbase/translation.h"
 
@@ -39,6 +40,15 @@ OrvContext::OrvContext()
       m_defaultImageSize(MakeSize(640, 480)),
       m_thumbnailSize(MakeSize(20, 20)) {
     globalContext = this;
+    try {
+        Begin();
+    } catch (...) {
+        globalContext = nullptr;
+        throw;
+    }
+}
+
+void OrvContext::Begin() {
     wxString const documents = GetAppDocumentsPath();
     m_programOptionsPath = Beneath(Beneath(documents, "settings"), "default.ovs");
     m_userQtDatabasePath = Beneath(documents, "qt");
@@ -47,8 +57,11 @@ OrvContext::OrvContext()
     m_userSmsDatabaseFilename = Beneath(m_userSmsDatabasePath, "usersms.json");
     LoadInternalQtDatabase();
     LoadUserQtDatabase();
-    m_workerThread.Create(0);
-    m_workerThread.Run();
+    // Without its thread whoever posts a command would wait for ever.
+    if (m_workerThread.Create(0) != wxTHREAD_NO_ERROR || m_workerThread.Run() != wxTHREAD_NO_ERROR) {
+        throw TolException(__FILE__, __LINE__, ExceptionGeneral, TolErrorMessage,
+                           "The worker thread can't be started: there is too little memory.");
+    }
     m_project = std::make_unique<OrvProject>();
 }
 

@@ -7,8 +7,8 @@
 //
 // Threads: there is no lock. Commands, and so LoadFile and the filters, run on the worker thread; the application reads
 // only while the worker is idle or waits for its response (see workerthread.h). The operations that forward to the
-// worker, the mailbox and GetContext() are safe from both threads. Ownership: the context owns its filters, the
-// project, the worker and all that a slot holds. Pointers that it gives out live as long as it does.
+// worker, the mailbox, the active filter and GetContext() are safe from both threads. Ownership: the context owns its
+// filters, the project, the worker and all that a slot holds. Pointers that it gives out live as long as it does.
 #pragma once
 #include <opencv2/core/types_c.h>
 #include <wx/string.h>
@@ -51,6 +51,7 @@ struct ImageHeader {
 
 class ORV_API OrvContext {
 public:
+    // Throws TolException if the worker thread can't be started; GetContext() is then null.
     OrvContext();
     // Ends the worker thread and waits for it, whatever it is doing; then deletes project, translations and filters.
     virtual ~OrvContext();
@@ -246,6 +247,7 @@ private:
     // All that a slot holds.
     struct FileSlot;
 
+    void Begin();
     void ReadDetails(wxString const& path, OrvFileId id);
     void TakeSubImages(wxString const& path, OrvFileId id);
     wxString MakeFileInfo(OrvFileId id) const;
@@ -262,7 +264,7 @@ private:
     VecString m_browserFiles;
     std::vector<OrvFilter*> m_filters;
     std::map<int, OrvFilter*> m_filterMap;
-    OrvFilter* m_activeFilter = nullptr;
+    std::atomic<OrvFilter*> m_activeFilter{nullptr};
     std::vector<JpegSignature> m_userSignatures;
     VecVecString m_internalEditors[2];
     VecVecString m_userEditors[2];

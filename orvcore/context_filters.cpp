@@ -53,19 +53,21 @@ void OrvContext::SetActiveFilter(OrvFilter* filter) {
 }
 
 wxString OrvContext::GetActiveFilterSelectorString() const {
-    return m_activeFilter != nullptr ? m_activeFilter->GetOutputFileSelectorString() : wxString();
+    const OrvFilter* filter = m_activeFilter;
+    return filter != nullptr ? filter->GetOutputFileSelectorString() : wxString();
 }
 
 wxString OrvContext::GetExportFilename() const {
-    return m_activeFilter != nullptr ? m_activeFilter->GetExportFilename(true) : wxString();
+    const OrvFilter* filter = m_activeFilter;
+    return filter != nullptr ? filter->GetExportFilename(true) : wxString();
 }
 
 void OrvContext::SaveFilterResult(wxString const& path) {
-    if (m_activeFilter != nullptr) m_activeFilter->SaveOutputBase(path);
+    if (OrvFilter* filter = m_activeFilter) filter->SaveOutputBase(path);
 }
 
 void OrvContext::SetImageToSave(Image const& image) {
-    if (m_activeFilter != nullptr) m_activeFilter->SetImageToSave(image);
+    if (OrvFilter* filter = m_activeFilter) filter->SetImageToSave(image);
 }
 
 void OrvContext::UpdateFiltersStatus() {
@@ -87,7 +89,8 @@ void OrvContext::UpdateFiltersStatus() {
 
 wxString OrvContext::GetNoDataAvailableMessage() const {
     if (!HasFile(Evidence)) return OrvTranslate("No image loaded. Please open a file or drag an image here.");
-    if (m_activeFilter != nullptr && m_activeFilter->IsOnlyForJpeg()) {
+    const OrvFilter* filter = m_activeFilter;
+    if (filter != nullptr && filter->IsOnlyForJpeg()) {
         return OrvTranslate("No data available. This filter supports only JPEG files.");
     }
     return OrvTranslate("No data available.");

@@ -56,8 +56,21 @@ void OrvFilter::CalculateConfigurations() {
     CalculateConfigurationsDefault();
 }
 
+std::mutex& OrvFilter::InputMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+VecParameter OrvFilter::GetParametersInput() const {
+    const std::lock_guard<std::mutex> lock(InputMutex());
+    return m_parametersInput;
+}
+
 void OrvFilter::Reset() {
-    m_parametersInput.Reset();
+    {
+        const std::lock_guard<std::mutex> lock(InputMutex());
+        m_parametersInput.Reset();
+    }
     m_parametersOutput.ClearRef();
     m_parametersOutput.Reset();
     Reset(Evidence);

@@ -2,6 +2,7 @@
 // The base of every analysis filter.
 #pragma once
 #include <cstdint>
+#include <mutex>
 #include <vector>
 
 #include "orvcore/context.h"
@@ -34,8 +35,10 @@ ORV_API wxString CleanFileName(wxString text);
 // its constructor, and is registered with OrvContext::AddFilterType, which owns it from then on.
 //
 // Threads: filters are constructed at start-up and run (Configure, ResetStatus, CallAction) on the worker thread only.
-// Nothing here has a lock: the configuration list is changed by the user interface thread only while no run is under
-// way.
+// The configuration list is changed by the user interface thread only while no run is under way. The input parameters
+// alone have a lock, for a command is made while another one runs: GetParametersInput may be called from any thread at
+// any time and gives what stood between two changes. A concrete filter changes m_parametersInput in its constructor
+// only; on the worker thread it reads it as it is.
 //
 // Everything indexed by a slot has two entries, in the order of OrvFileId.
 class ORV_API OrvFilter {
@@ -216,7 +219,7 @@ public:
     bool IsSupportedRoi() const { return m_supportsRoi; }
     bool IsSupportedOutput() const { return m_supportsOutput; }
     bool HasSingleConfiguration() const { return m_singleConfiguration; }
-    VecParameter GetParametersInput() const { return m_parametersInput; }
+    VecParameter GetParametersInput() const;
     VecParameter GetParametersOutput() const { return m_parametersOutput; }
     VecParameter GetParametersPostProcessing() const { return m_parametersPostProcessing; }
 
@@ -291,6 +294,8 @@ private:
     bool StoreResult(OrvFileId id, const wxString& path) const;
     void FinishRun(const RunState& run);
     wxWindow* GetPanelWindow() const;
+    // Guards m_parametersInput of every filter: one lock for all, as it is only ever held for a few copies.
+    static std::mutex& InputMutex();
 
     bool m_calculateAnew[2] = {false, false};
     mutable bool m_cacheFailed = false;

@@ -64,11 +64,14 @@ void OrvFilter::DetectChanges(RunState& run) {
 }
 
 void OrvFilter::TakeParameters(const VecParameter& input, const VecParameter& postProcessing, RunState& run) {
-    const size_t inputs = std::min(input.size(), m_parametersInput.size());
-    for (size_t i = 0; i < inputs; ++i) {
-        if (!m_parametersInput[i].Set(input[i])) continue;
-        m_parametersInput[i].SetChanged(true);
-        run.parametersChanged = true;
+    {
+        const std::lock_guard<std::mutex> lock(InputMutex());
+        const size_t inputs = std::min(input.size(), m_parametersInput.size());
+        for (size_t i = 0; i < inputs; ++i) {
+            if (!m_parametersInput[i].Set(input[i])) continue;
+            m_parametersInput[i].SetChanged(true);
+            run.parametersChanged = true;
+        }
     }
     const size_t posts = std::min(postProcessing.size(), m_parametersPostProcessing.size());
     for (size_t i = 0; i < posts; ++i) m_parametersPostProcessing[i].Set(postProcessing[i]);
@@ -201,7 +204,10 @@ void OrvFilter::FinishRun(const RunState& run) {
 }
 
 void OrvFilter::PostApply() {
-    for (Parameter& parameter : m_parametersInput) parameter.SetChanged(false);
+    {
+        const std::lock_guard<std::mutex> lock(InputMutex());
+        for (Parameter& parameter : m_parametersInput) parameter.SetChanged(false);
+    }
     for (Parameter& parameter : m_parametersPostProcessing) parameter.SetChanged(false);
     UpdateOutputData();
 }

@@ -8,6 +8,7 @@
 #include <wx/debug.h>
 #include <wx/thread.h>
 
+#include <cstddef>
 #include <deque>
 
 // What an operation of a queue answers.
@@ -36,18 +37,31 @@ public:
         return OrvMsgQueueNoError;
     }
 
-    // Drops every value. What pointers point to is not freed.
+    // Drops every value. What pointers point to is not freed. Needs no memory.
     OrvMessageQueueError Clear() {
-        std::deque<T> dropped;
-        return Take(dropped);
+        wxCHECK(IsOk(), OrvMsgQueueMiscError);
+        wxMutexLocker locker(m_mutex);
+        wxCHECK(locker.IsOk(), OrvMsgQueueMiscError);
+        m_values.clear();
+        return OrvMsgQueueNoError;
     }
 
-    // Takes every pointer out and deletes what it points to.
+    // Takes out every pointer that waits and deletes what it points to. Needs no memory: destructors call it.
     OrvMessageQueueError ClearP() {
-        std::deque<T> taken;
-        OrvMessageQueueError const result = Take(taken);
-        for (T value : taken) delete value;
-        return result;
+        wxCHECK(IsOk(), OrvMsgQueueMiscError);
+        std::size_t waiting = 0;
+        {
+            wxMutexLocker locker(m_mutex);
+            wxCHECK(locker.IsOk(), OrvMsgQueueMiscError);
+            waiting = m_values.size();
+        }
+        for (; waiting > 0; --waiting) {
+            // A null pointer may wait as well as any other, and a receiver may have been quicker.
+            T value = nullptr;
+            Take(value);
+            delete value;
+        }
+        return OrvMsgQueueNoError;
     }
 
     // Waits for a value and takes the first. Fails at once, and silently, when the queue is or becomes closed.
@@ -73,12 +87,12 @@ public:
     }
 
 private:
-    OrvMessageQueueError Take(std::deque<T>& out) {
-        wxCHECK(IsOk(), OrvMsgQueueMiscError);
+    // The first value, where there is one.
+    void Take(T& value) {
         wxMutexLocker locker(m_mutex);
-        wxCHECK(locker.IsOk(), OrvMsgQueueMiscError);
-        out.swap(m_values);
-        return OrvMsgQueueNoError;
+        if (m_values.empty()) return;
+        value = m_values.front();
+        m_values.pop_front();
     }
 
     wxMutex m_mutex;

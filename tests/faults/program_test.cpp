@@ -189,6 +189,25 @@ TEST_F(ProgramFaults, LittleMemory_IsTold) {
     EXPECT_LT(failed, tried);
     std::printf("faults: memory: %d limits, of which %d were too low\n", tried, failed);
 }
+
+// Just above what loading the program takes there is no room for the stack of a thread.
+TEST_F(ProgramFaults, MemoryForTheProgramButForNoThread_IsTold) {
+    std::string const photo = Photo("a.jpg", 64, 48);
+    constexpr rlim_t Mebi = rlim_t{1} << 20;
+    int beyondLoading = 0;
+    int withoutThread = 0;
+    for (rlim_t memory = 64; memory <= 600 && beyondLoading < 16; memory += 2) {
+        Limits limits;
+        limits.memory = memory * Mebi;
+        Ended const ended = Run({"info", photo}, limits);
+        if (ended.status == 127) continue;
+        if (!Contains(ended.err, "terminate called")) ExpectOrderly(ended, std::to_string(memory) + " MiB");
+        ++beyondLoading;
+        withoutThread += Contains(ended.err, "The worker thread can't be started") ? 1 : 0;
+    }
+    EXPECT_EQ(16, beyondLoading);
+    EXPECT_GT(withoutThread, 0);
+}
 #endif
 
 }  // namespace

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 // An application that looks at results while the worker makes the next ones; to be run under the thread sanitizer.
 #include <atomic>
+#include <set>
 #include <thread>
 
+#include "orvcore/commands.h"
 #include "tests/orvcore/cachefilters.h"
+#include "tests/orvcore/recordingfilter.h"
 
 using support::CachedImageFilter;
 using support::CachedPlotFilter;
+using support::Number;
+using support::RecordingFilter;
 
 namespace {
 
@@ -96,6 +101,26 @@ TEST_F(FilterThreads, LockedPlots_AreWhole) {
         auto const data = filter->GetPlotData(Evidence);
         return IsWholeCurve(*data);
     });
+}
+
+TEST_F(FilterThreads, CommandsMadeDuringARun_TakeTheParametersOfOneMoment) {
+    auto* filter = Add(new RecordingFilter("Pair", {Number("a", 1), Number("b", 1)}));
+    Load(Png("a.png", support::Solid(16, 8, {5, 6, 7})));
+    context->SetActiveFilter(filter);
+    std::atomic<bool> done{false};
+    std::set<wxString> texts;
+    std::thread application([&] {
+        while (!done) {
+            OrvCommandSetFileConfigure const command("", false, "", false, nullptr, {}, {}, -1);
+            texts.insert(command.GetCommandLog().AfterLast(':'));
+        }
+    });
+    for (int round = 0; round < 300; ++round) Go(filter, {Number("a", round % 2 + 1), Number("b", round % 2 + 1)});
+    done = true;
+    application.join();
+    texts.erase(" 1-1");
+    texts.erase(" 2-2");
+    EXPECT_TRUE(texts.empty()) << *texts.begin();
 }
 
 TEST_F(FilterThreads, CacheThatIsDeletedMeanwhile_ChangesNoResult) {
