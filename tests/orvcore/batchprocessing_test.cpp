@@ -4,78 +4,20 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <set>
-#include <stdexcept>
-
 #include "orvcore/reportstyle.h"
-#include "tests/orvcore/recordingfilter.h"
+#include "tests/orvcore/batchengine.h"
 #include "tests/orvcore/resultfilters.h"
 #include "tolbase/exception.h"
 #include "tolbase/progress.h"
 
 namespace {
 
+using support::BatchHeader;
 using support::Number;
-using support::RecordingFilter;
-using Reports = TolJsonAlg::GriffeyeOrvBatchReportsMap;
+using support::SavingFilter;
 using Status = OrvFilterConfiguration::FilterStatus;
 
-// Writes where it is told to, and warns of the files that are named in `warns`.
-class SavingFilter : public RecordingFilter {
-public:
-    explicit SavingFilter(const wxString& name, const VecParameter& input = VecParameter())
-        : RecordingFilter(name, input) {
-        onApply = [this](OrvFileId id) {
-            const wxString file = GetContext()->GetFilename(id);
-            if (id != Evidence) return;
-            if (throws.count(GetFilenameNoPath(file)) > 0) throw std::runtime_error("broken < inside");
-            SetStatus(id, warns.count(GetFilenameNoPath(file)) > 0 ? Status::Warning : Status::Ok);
-        };
-    }
-    void SaveOutputBatch(const wxString& path) override {
-        saved.push_back(path);
-        WriteFile(path, GetName() + " of " + GetContext()->GetFilename(Evidence));
-    }
-    wxString GetReportData(const wxString& path, const wxString& folder) const override {
-        return "<p>data " + GetFilenameNoPath(path) + " in " + folder + "</p>\n";
-    }
-    std::set<wxString> warns;
-    std::set<wxString> throws;
-    VecString saved;
-};
-
-class Batch : public support::FilterEngine {
-protected:
-    Batch() { out = dir / "out"; }
-    SavingFilter* AddFilter(const wxString& name, const VecParameter& input = VecParameter()) {
-        return Add(new SavingFilter(name, input));
-    }
-    static VecParameter Parameters(int files, int filters, int output, const wxString& report) {
-        return {Number("files", files), Number("filters", filters), Number("output", output),
-                CreateParameterString("report", "", report)};
-    }
-    VecParameter Listed(const VecString& files, int output, const wxString& report) {
-        VecParameter parameters = Parameters(0, 0, output, report);
-        parameters.push_back(CreateParameterVectorString("list", "", files));
-        return parameters;
-    }
-    wxString Process(const VecParameter& parameters, bool plugin = false) {
-        wxString result;
-        OnWorker([&] { result = OrvBatchProcessing(parameters, plugin, fileMap, reports, &monitor); });
-        return result;
-    }
-    wxString Html(const VecString& files) { return ReadFile(Process(Listed(files, 2, out + "/r.html"))); }
-
-    wxString out;
-    std::map<wxString, wxString> fileMap;
-    Reports reports;
-    OrvBatchMonitor monitor;
-};
-
-class BatchPlugin : public Batch {};
-class BatchAbort : public Batch {};
-
-const char* const Header = "Input Path\tFilter\tConfiguration\tStatus\tOutput Path\n";
+class Batch : public support::Batch {};
 
 }  // namespace
 
@@ -88,7 +30,7 @@ TEST_F(Batch, Tsv_HasALineForEachFileFilterAndConfiguration) {
     const auto line = [&](const wxString& file, const wxString& name, const wxString& rest, const wxString& saved) {
         return file + "\t" + rest + "\t" + out + "/" + name + saved + "\n";
     };
-    EXPECT_EQ(Header + line(first, "a.jpg", "Alpha\t3\tOk", "-Alpha-3.txt") +
+    EXPECT_EQ(BatchHeader + line(first, "a.jpg", "Alpha\t3\tOk", "-Alpha-3.txt") +
                   line(first, "a.jpg", "Beta\tLow\tOk", "-Beta-Low.txt") +
                   line(first, "a.jpg", "Beta\tHigh\tOk", "-Beta-High.txt") +
                   line(second, "b.jpg", "Alpha\t3\tWarning", "-Alpha-3.txt") +
@@ -141,7 +83,7 @@ TEST_F(Batch, Report_CanBeReadBeforeItStandsInItsPlace) {
     const wxString report = ReadFile(Process(Listed({Jpeg("a.jpg")}, 2, out + "/r.tsv")));
     EXPECT_FALSE(stoodThere);
     EXPECT_EQ(report, readable);
-    EXPECT_TRUE(report.StartsWith(Header));
+    EXPECT_TRUE(report.StartsWith(BatchHeader));
 }
 
 TEST_F(Batch, OutputModes_SaveNothingFilesOrBoth) {
@@ -161,8 +103,8 @@ TEST_F(Batch, KindOfReport_GoesByTheEndingOfTheName) {
     for (const char* name : {"R.HTM", "r.html", "r.HtMl5", "HTMLreport"})
         EXPECT_TRUE(ReadFile(Process(Listed({file}, 2, out + "/" + name))).StartsWith("<!DOCTYPE html>")) << name;
     for (const char* name : {"r.tsv", "r.pdf", "report", "r.html.txt", ".txt"})
-        EXPECT_TRUE(ReadFile(Process(Listed({file}, 2, out + "/" + name))).StartsWith(Header)) << name;
-    EXPECT_TRUE(ReadFile(Process(Listed({file}, 2, dir / "x.html/r.tsv"))).StartsWith(Header));
+        EXPECT_TRUE(ReadFile(Process(Listed({file}, 2, out + "/" + name))).StartsWith(BatchHeader)) << name;
+    EXPECT_TRUE(ReadFile(Process(Listed({file}, 2, dir / "x.html/r.tsv"))).StartsWith(BatchHeader));
 }
 
 TEST_F(Batch, Html_BeginsWithStyleHeadAndProgram) {
@@ -246,7 +188,7 @@ TEST_F(Batch, FilesOfTheEvidence_FollowTheFirstParameter) {
 TEST_F(Batch, WithoutEvidence_ThereIsNoFile) {
     AddFilter("Alpha");
     for (const int mode : {0, 1, 2, 3}) {
-        EXPECT_EQ(Header, ReadFile(Process(Parameters(mode, 0, 2, out + "/r.tsv"))));
+        EXPECT_EQ(BatchHeader, ReadFile(Process(Parameters(mode, 0, 2, out + "/r.tsv"))));
     }
 }
 
@@ -298,7 +240,7 @@ TEST_F(Batch, ActiveFilter_RunsItsEnabledConfigurationsOrItsPresentParameters) {
 TEST_F(Batch, WithoutAnActiveFilter_NothingRuns) {
     AddFilter("Alpha");
     Load(Jpeg("a.jpg"));
-    for (const int mode : {1, 2}) EXPECT_EQ(Header, ReadFile(Process(Parameters(0, mode, 2, out + "/r.tsv"))));
+    for (const int mode : {1, 2}) EXPECT_EQ(BatchHeader, ReadFile(Process(Parameters(0, mode, 2, out + "/r.tsv"))));
 }
 
 TEST_F(Batch, SlotsAndActiveFilter_AreRestored) {
@@ -334,7 +276,7 @@ TEST_F(Batch, FileThatCantBeLoaded_IsCreditedWithNothing) {
     const wxString gone = dir / "in/gone.jpg";
     const wxString last = Jpeg("b.jpg");
     Process(Listed({first, broken, gone, last}, 2, out + "/r.tsv"));
-    EXPECT_EQ(Header + first + "\tAlpha\t3\tWarning\t" + out + "/a.jpg-Alpha-3.txt\n" + broken +
+    EXPECT_EQ(BatchHeader + first + "\tAlpha\t3\tWarning\t" + out + "/a.jpg-Alpha-3.txt\n" + broken +
                   "\tAlpha\t3\tNot Calculated\t\n" + gone + "\tAlpha\t3\tNot Calculated\t\n" + last +
                   "\tAlpha\t3\tOk\t" + out + "/b.jpg-Alpha-3.txt\n",
               ReadFile(out + "/r.tsv"));
@@ -352,8 +294,9 @@ TEST_F(Batch, FailingFilter_IsToldAndTheOthersGoOn) {
     AddFilter("Beta");
     const wxString file = Jpeg("a.jpg");
     Process(Listed({file}, 2, out + "/r.tsv"));
-    EXPECT_EQ(Header + file + "\tAlpha\t3\tNot Calculated\t\n" + file + "\tBeta\t\tOk\t" + out + "/a.jpg-Beta.txt\n",
-              ReadFile(out + "/r.tsv"));
+    EXPECT_EQ(
+        BatchHeader + file + "\tAlpha\t3\tNot Calculated\t\n" + file + "\tBeta\t\tOk\t" + out + "/a.jpg-Beta.txt\n",
+        ReadFile(out + "/r.tsv"));
     EXPECT_TRUE(Html({file}).Contains("<span class=\"warning\">broken &lt; inside</span>"));
 }
 
@@ -364,9 +307,9 @@ TEST_F(Batch, FilterThatThrowsBeforeItsRun_IsNotCreditedWithTheRunBefore) {
     };
     const wxString file = Jpeg("a.jpg");
     Process(Listed({file}, 2, out + "/r.tsv"));
-    EXPECT_EQ(
-        Header + file + "\tAlpha\tA\tOk\t" + out + "/a.jpg-Alpha-A.txt\n" + file + "\tAlpha\tB\tNot Calculated\t\n",
-        ReadFile(out + "/r.tsv"));
+    EXPECT_EQ(BatchHeader + file + "\tAlpha\tA\tOk\t" + out + "/a.jpg-Alpha-A.txt\n" + file +
+                  "\tAlpha\tB\tNot Calculated\t\n",
+              ReadFile(out + "/r.tsv"));
     EXPECT_EQ(1U, filter->saved.size());
     EXPECT_TRUE(Html({file}).Contains("<h3 id=\"anchor1\">Alpha B</h3>\n<br>\n<p><span class=\"warning\">no model"));
 }
@@ -495,123 +438,6 @@ TEST_F(Batch, SecondRun_GivesTheSameReport) {
     const VecString files = {Jpeg("x/a.jpg"), Jpeg("y/a.jpg"), Jpeg("b.jpg")};
     const std::string first = support::ReadBytes(Process(Listed(files, 2, out + "/r.tsv")));
     EXPECT_EQ(first, support::ReadBytes(Process(Listed(files, 2, out + "/r.tsv"))));
-}
-
-TEST_F(BatchPlugin, Severity_RisesAndNeverFalls) {
-    SavingFilter* format = AddFilter("File Format");
-    SavingFilter* other = AddFilter("Noise", {Number("n", 3)});
-    SavingFilter* again = AddFilter("Later");
-    format->warns = {"a.jpg", "b.jpg"};
-    other->warns = {"b.jpg", "c.jpg"};
-    again->warns = {};
-    const wxString first = Jpeg("a.jpg"), second = Jpeg("b.jpg"), third = Jpeg("c.jpg"), fourth = Jpeg("d.jpg");
-    fileMap = {{first, "id-a"}, {second, "id-b"}, {third, "id-c"}};
-    Process(Listed({first, second, third, fourth}, 0, "/r/x.html"), true);
-    ASSERT_EQ(4U, reports.size());
-    EXPECT_EQ(1, reports[first].severity);
-    EXPECT_EQ(2, reports[second].severity);
-    EXPECT_EQ(2, reports[third].severity);
-    EXPECT_EQ(0, reports[fourth].severity);
-    EXPECT_EQ("File Format flagged a warning\nNoise (3) flagged a warning\nOrvelle report: \"/r/x.html\"\n",
-              reports[second].text);
-    EXPECT_EQ("Orvelle report: \"/r/x.html\"\n", reports[fourth].text);
-    EXPECT_EQ("id-c", reports[third].identifier);
-    EXPECT_EQ("", reports[fourth].identifier);
-}
-
-TEST_F(BatchPlugin, LaterFileFormatWarning_LeavesTheHigherSeverity) {
-    AddFilter("Noise")->warns = {"a.jpg"};
-    AddFilter("File Format")->warns = {"a.jpg"};
-    const wxString file = Jpeg("a.jpg");
-    Process(Listed({file}, 0, ""), true);
-    EXPECT_EQ(2, reports[file].severity);
-}
-
-TEST_F(BatchPlugin, EntryThatIsThere_IsKept) {
-    AddFilter("Noise")->warns = {"a.jpg"};
-    const wxString file = Jpeg("a.jpg");
-    fileMap = {{file, "new"}};
-    reports[file] = {"before\n", 1, "old"};
-    Process(Listed({file}, 0, "r"), true);
-    EXPECT_EQ("before\nNoise flagged a warning\nOrvelle report: \"r\"\n", reports[file].text);
-    EXPECT_EQ(2, reports[file].severity);
-    EXPECT_EQ("old", reports[file].identifier);
-}
-
-TEST_F(BatchPlugin, FileThatCantBeLoaded_IsFlaggedWithTheReason) {
-    AddFilter("Noise")->warns = {"a.jpg"};
-    const wxString broken = support::WriteBytes(dir / "in/broken.jpg", "no picture");
-    Process(Listed({Jpeg("a.jpg"), broken}, 0, "r"), true);
-    EXPECT_EQ(2, reports[broken].severity);
-    EXPECT_EQ("File format not supported.\nOrvelle report: \"r\"\n", reports[broken].text);
-}
-
-TEST_F(BatchPlugin, ReportThatCantBeWritten_IsToldInEachEntry) {
-    AddFilter("Noise")->warns = {"a.jpg"};
-    support::WriteBytes(dir / "occupied", "x");
-    const wxString file = Jpeg("a.jpg");
-    EXPECT_EQ("", Process(Listed({file}, 2, dir / "occupied/r.html"), true));
-    EXPECT_EQ(2, reports[file].severity);
-    EXPECT_TRUE(reports[file].text.EndsWith("The folder can't be made: " + dir / "occupied" + "\n"));
-}
-
-TEST_F(BatchAbort, InTheMiddle_WritesWhatWasDoneAndRestores) {
-    SavingFilter* filter = AddFilter("Alpha", {CreateParameterOption("Mode", "", {"A", "B"}, 0)});
-    SavingFilter* second = AddFilter("Beta");
-    context->SetActiveFilter(filter);
-    const wxString loaded = Jpeg("loaded.jpg");
-    Load(loaded);
-    filter->onPreApply = [&] {
-        const bool stop = context->GetFilename(Evidence).EndsWith("b.jpg");
-        if (stop) tcvAbortAllProgress();
-    };
-    const wxString first = Jpeg("a.jpg");
-    Process(Listed({first, Jpeg("b.jpg"), Jpeg("c.jpg")}, 2, out + "/r.tsv"));
-    const wxString tsv = ReadFile(out + "/r.tsv");
-    EXPECT_TRUE(tsv.StartsWith(Header + first + "\tAlpha\tA\tOk\t"));
-    EXPECT_EQ(5, tsv.Freq('\n'));
-    EXPECT_TRUE(tsv.EndsWith("b.jpg\tAlpha\tA\tNot Calculated\t\n"));
-    EXPECT_FALSE(tsv.Contains("c.jpg"));
-    EXPECT_EQ(1, second->Count("Apply:E"));
-    EXPECT_TRUE(monitor.aborted);
-    EXPECT_EQ(2U, monitor.filesProcessed);
-    EXPECT_EQ(loaded, context->GetFilename(Evidence));
-    EXPECT_EQ(0, filter->GetParametersInput()[0].GetValue<int>());
-    EXPECT_EQ(Status::Ok, filter->GetStatus(Evidence));
-}
-
-TEST_F(BatchAbort, Html_TellsWhatWasNotExamined) {
-    SavingFilter* filter = AddFilter("Alpha");
-    filter->onPreApply = [] { tcvAbortAllProgress(); };
-    const wxString html = Html({Jpeg("a.jpg"), Jpeg("b.jpg")});
-    EXPECT_TRUE(html.Contains("Processing interrupted by user."));
-    EXPECT_TRUE(html.Contains("<p><span class=\"warning\">Processing was interrupted: results may be missing.</span>"));
-    EXPECT_TRUE(
-        html.Contains("<h2>File 2: b.jpg</h2>\n<p><span class=\"warning\">Not examined: processing was "
-                      "interrupted.</span></p>\n<hr>\n"));
-}
-
-TEST_F(BatchAbort, Plugin_NeverTakesAnUnexaminedFileForClean) {
-    AddFilter("Alpha")->onPreApply = [] { tcvAbortAllProgress(); };
-    const wxString first = Jpeg("a.jpg");
-    const wxString second = Jpeg("b.jpg");
-    Process(Listed({first, second}, 0, "r"), true);
-    ASSERT_EQ(2U, reports.size());
-    EXPECT_EQ(2, reports[first].severity);
-    EXPECT_EQ("Not examined: processing was interrupted.\nOrvelle report: \"r\"\n", reports[second].text);
-    EXPECT_EQ(2, reports[second].severity);
-}
-
-TEST_F(BatchAbort, Progress_CountsConfigurationsTimesFiles) {
-    AddFilter("Beta");
-    SavingFilter* filter = AddFilter("Alpha", {CreateParameterOption("Mode", "", {"A", "B"}, 0)});
-    TcvProgress seen;
-    filter->onPreApply = [&] { seen = tcvGetProgress2(); };
-    Process(Listed({Jpeg("a.jpg"), Jpeg("b.jpg")}, 0, ""));
-    EXPECT_EQ(6, seen.total);
-    EXPECT_EQ(6, seen.value);
-    EXPECT_EQ("Batch Processing 2 files with 3 configurations", seen.text);
-    EXPECT_EQ(0, tcvGetProgress2().total);
 }
 
 TEST_F(Batch, ReportStyle_IsCopiedOnceAndNeverReplaced) {
