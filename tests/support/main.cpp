@@ -8,6 +8,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#ifdef ORVELLE_COVERAGE
+#include <gcov.h>
+#endif
 
 namespace {
 
@@ -42,6 +45,9 @@ int main(int argc, char** argv) {
     std::filesystem::remove_all(home, ignored);
     std::cout.flush();
     std::cerr.flush();
+#ifdef ORVELLE_COVERAGE
+    __gcov_dump();
+#endif
     // No static destructor runs while a worker thread may still be blocked on its queue.
     std::_Exit(result);
 }
