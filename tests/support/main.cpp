@@ -9,7 +9,8 @@
 #include <filesystem>
 #include <iostream>
 #ifdef ORVELLE_COVERAGE
-#include <gcov.h>
+// The header names it without a language.
+extern "C" void __gcov_dump();
 #endif
 
 namespace {
