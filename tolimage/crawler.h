@@ -52,7 +52,7 @@ private:
 struct DownloadTimeout {
     DownloadTimeout() = default;
     DownloadTimeout(int attemptCount, int secondCount) : attempts(attemptCount), seconds(secondCount) {}
-    int attempts = 1;    // how often it is tried
+    int attempts = 1;    // how often it is tried; where the server is busy (429, 5xx), "web-attempts" if that is more
     int seconds = 2400;  // all attempts together
 };
 

@@ -256,11 +256,18 @@ wxString DownloadPhoto::Fetch() {
     SetReceiver([&arrival](char const* data, std::size_t size) { return arrival.Write(data, size); });
     auto const end = Clock::now() + std::chrono::seconds(std::max(impl.timeout.seconds, 1));
     wxString failure;
+    auto backOff = std::chrono::milliseconds(GetTolLimit(TolLimit::WebBackoffMs));
     for (int attempt = 1;; ++attempt) {
         failure = impl.Transfer(*this, arrival, end);
-        if (failure.empty() || attempt >= impl.timeout.attempts || tcvHasAborted()) break;
-        if (Clock::now() + std::chrono::milliseconds(AttemptPauseMs) >= end) break;
-        if (!tolimage::PauseUnlessAborted(std::chrono::milliseconds(AttemptPauseMs))) break;
+        if (failure.empty() || tcvHasAborted()) break;
+        // A busy server asks to be asked again.
+        bool const busy = tolimage::IsToBeRepeated(GetHttpStatus());
+        auto const most = static_cast<int>(std::min<std::uint64_t>(GetTolLimit(TolLimit::WebAttempts), 100));
+        if (attempt >= (busy ? std::max(impl.timeout.attempts, most) : impl.timeout.attempts)) break;
+        auto pause = std::chrono::milliseconds(AttemptPauseMs);
+        if (busy) pause = std::max<std::chrono::milliseconds>(backOff, std::chrono::seconds(GetRetryAfter()));
+        if (Clock::now() + pause >= end || !tolimage::PauseUnlessAborted(pause)) break;
+        backOff *= 2;
     }
     SetReceiver(nullptr);
     if (!failure.empty()) return failure;

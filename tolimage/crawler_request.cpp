@@ -21,10 +21,6 @@ using std::chrono::milliseconds;
 constexpr long StatusTooMany = 429;
 constexpr std::size_t LongestText = 1000;
 
-bool IsToBeRepeated(long status) {
-    return status == StatusTooMany || (status >= 500 && status < 600);
-}
-
 bool IsGood(long status) {
     return status >= 200 && status < 300;
 }
@@ -74,6 +70,10 @@ WebAnswer AskOnce(CurlClass& connection, WebQuestion const& question, Clock::tim
 
 char const* const NetworkErrorText =
     "Network Connection Error: you may be disconnected from the Internet or the server may be down.";
+
+bool IsToBeRepeated(long status) {
+    return status == StatusTooMany || (status >= 500 && status < 600);
+}
 
 bool PauseUnlessAborted(milliseconds pause) {
     auto const end = Clock::now() + pause;

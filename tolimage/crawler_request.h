@@ -37,6 +37,9 @@ struct WebAnswer {
 // Sends the question within the limits "web-seconds", "web-attempts" and "web-answer-bytes". Never throws.
 WebAnswer AskWeb(CurlClass& connection, WebQuestion const& question);
 
+// 429 and 5xx: the server is busy or broken for a while.
+bool IsToBeRepeated(long status);
+
 // Sleeps, and looks for an abort meanwhile; false if there was one.
 bool PauseUnlessAborted(std::chrono::milliseconds pause);
 

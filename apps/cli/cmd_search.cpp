@@ -47,6 +47,7 @@ struct Found {
     VecVecString table;
     std::string error;
     std::string problem;  // the answer can't be read
+    std::vector<std::string> pages;
 };
 
 struct Size {
@@ -282,7 +283,7 @@ private:
         if (!found.error.empty()) environment.terminal.Error("", found.error);
         if (!found.problem.empty()) environment.terminal.Error("", found.problem);
         if (!found.error.empty() || !found.problem.empty()) return ExitNetwork;
-        if (found.table.size() < 2) environment.terminal.Error("", none);
+        if (found.table.size() < 2 && !none.empty()) environment.terminal.Error("", none);
         return ExitDone;
     }
 
@@ -452,19 +453,24 @@ private:
             const wxString stem = GetContext()->GetOutputBasePath(Evidence) + "-SearchImagesOnTheWeb-";
             if (tinEye) {
                 found.table = MapView::ShowTinEyeFileSearch(evidence, stem);
-                if (found.table.empty()) found.error = NetworkError;
+                if (found.table.empty())
+                    found.error = NetworkError;
+                else
+                    found.pages.push_back(PathToBytes(stem + "tineye.html"));
             }
-            if (google && MapView::ShowGoogleFileSearch(evidence, stem, text) != 0) found.error = NetworkError;
+            if (google) {
+                if (MapView::ShowGoogleFileSearch(evidence, stem, text) != 0)
+                    found.error = NetworkError;
+                else
+                    found.pages.push_back(PathToBytes(stem + "google.html"));
+            }
             found.problem = "";
         };
         Found found;
-        const std::string stem = PathToBytes(session.Context().GetOutputBasePath(Evidence)) + "-SearchImagesOnTheWeb-";
         if (!Search(session, environment.terminal, "Search for a picture", search, found)) return InterruptionCode();
-        const ExitCode code = Tell(environment, output, found, "Matches", "no matches");
-        for (char const* page : {"tineye.html", "google.html"}) {
-            if (access((stem + page).c_str(), R_OK) == 0)
-                environment.terminal.Summary("the answer as a page: " + stem + page);
-        }
+        // Google's answer is a page and nothing else.
+        const ExitCode code = Tell(environment, output, found, "Matches", m_tinEye ? "no matches" : "");
+        for (std::string const& page : found.pages) environment.terminal.Step("the answer as a page: " + page);
         return code;
     }
 

@@ -209,7 +209,9 @@ TEST_F(SearchReverse, WithAYes_TheMatchesAreListed) {
     const std::string photo = Photo("a.jpg");
     const Ended ended = Search({photo, "--tineye", "--yes", "--format", "csv"});
     EXPECT_EQ(0, ended.status) << ended.err;
-    EXPECT_EQ("orvelle: " + photo + ": the image itself is uploaded to TinEye\n", ended.err);
+    EXPECT_EQ("orvelle: " + photo + ": the image itself is uploaded to TinEye", Lines(ended.err).at(0));
+    EXPECT_TRUE(Contains(Lines(ended.err).at(1), "the answer as a page: ")) << ended.err;
+    EXPECT_TRUE(Contains(Lines(ended.err).at(1), "tineye.html")) << ended.err;
     EXPECT_EQ(
         "#Id,Domain,Score,Width,Height,Format,Image,Page,Crawl Date\r\n"
         "1,example.org,87.5,640,480,JPEG,https://img.example.org/1.jpg,https://example.org/p,2020-01-02\r\n",

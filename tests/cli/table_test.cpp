@@ -155,6 +155,42 @@ TEST_F(Multi, BrokenEvidence_EndsTheRun) {
     EXPECT_EQ(2, Orvelle({"multi", Path("a.jpg")}).status);
 }
 
+TEST_F(Multi, EachFormat_IsWritten) {
+    const std::string a = Photo("f/a.jpg");
+    Photo("f/b.jpg", 320, 240, 2);
+    const Ended csv = Orvelle({"multi", a, Path("f"), "--format", "csv"});
+    EXPECT_EQ(3U, Lines(csv.out).size()) << csv.out;
+    EXPECT_EQ(0U, csv.out.find("#Id,"));
+    EXPECT_TRUE(Contains(Orvelle({"multi", a, Path("f"), "--format", "html"}).out, "</table>"));
+    EXPECT_TRUE(Contains(Orvelle({"multi", a, Path("f")}).out, "b.jpg"));
+    const std::string file = Folder() + "/multi.csv";
+    EXPECT_EQ(0, Orvelle({"multi", a, Path("f"), "-o", file}).status);
+    EXPECT_EQ(csv.out, ReadFile(file));
+    EXPECT_EQ(5, Orvelle({"multi", a, Path("f"), "-o", file}).status) << "it exists";
+}
+
+TEST_F(Multi, FileThatCannotBeRead_IsToldAndTheOthersFollow) {
+    const std::string a = Photo("a.jpg");
+    const std::string broken = Write("b.jpg", "x");
+    const Ended ended = Orvelle({"multi", a, broken, Path("none.jpg"), Photo("c.jpg"), "--format", "json"});
+    EXPECT_EQ(3, ended.status);
+    EXPECT_TRUE(Contains(ended.err, broken)) << ended.err;
+    EXPECT_TRUE(Contains(ended.err, "none.jpg")) << ended.err;
+    const auto rows = nlohmann::json::parse(ended.out);
+    ASSERT_EQ(2U, rows.size()) << rows;
+    EXPECT_EQ("c.jpg", rows[1]["cells"]["Filename"]);
+    EXPECT_EQ("0", rows[1]["cells"]["Differences"]) << "names don't count";
+}
+
+TEST_F(Multi, ListOfNames_StandsForFiles) {
+    const std::string a = Photo("a.jpg");
+    Surroundings surroundings;
+    surroundings.input = Photo("b.jpg", 320, 240, 2) + "\n" + Photo("c.jpg", 320, 240, 3) + "\n";
+    const Ended ended = Orvelle({"multi", a, "--files-from", "-", "--format", "json"}, surroundings);
+    EXPECT_EQ(0, ended.status) << ended.err;
+    EXPECT_EQ(3U, nlohmann::json::parse(ended.out).size());
+}
+
 TEST_F(Plugin, Analysis_AnswersForEachFile) {
     const std::string a = Photo("a.jpg");
     const std::string flagged = Flagged("b.png");
@@ -213,6 +249,23 @@ TEST_F(Plugin, Batch_AnswersWithSeverityAndReport) {
     EXPECT_EQ("id-2", answer[1]["identifier"]);
     EXPECT_TRUE(Contains(answer[1]["text"], report));
     EXPECT_TRUE(Exists(report));
+}
+
+TEST_F(Plugin, BatchWithAMissingAndABrokenFile_AnswersForAll) {
+    const std::string missing = Path("missing.jpg");
+    const nlohmann::json map = {{Photo("a.jpg"), "1"}, {missing, "2"}, {Write("n.jpg", "x"), "3"}};
+    const Ended ended = Orvelle({"plugin", "batch", "--filter", "File Format", "--map", Write("map.json", map.dump()),
+                                 "--output", Folder() + "/out/r.html"});
+    EXPECT_EQ(3, ended.status) << ended.err;
+    EXPECT_TRUE(Contains(ended.err, "missing.jpg")) << ended.err;
+    const auto answer = nlohmann::json::parse(ended.out);
+    ASSERT_EQ(3U, answer.size()) << answer;
+    std::map<std::string, int> severities;
+    for (auto const& entry : answer) severities[entry["identifier"]] = entry["severity"];
+    EXPECT_EQ(3U, severities.size());
+    EXPECT_GT(severities["2"], 0);
+    EXPECT_GT(severities["3"], 0);
+    EXPECT_TRUE(Exists(Folder() + "/out/r.html"));
 }
 
 TEST_F(Plugin, Bytes_AreTheSameInEveryLocale) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Plays Flickr's REST methods for a test: photographs with their metadata, makes, models.
 #pragma once
+#include <atomic>
 #include <map>
 #include <string>
 #include <vector>
@@ -54,6 +55,7 @@ public:
     std::vector<FakePhoto> photos;
     std::size_t pageSize = 100;
     std::map<std::string, std::string> answers;  // by method: instead of the played ones
+    mutable std::atomic<int> refusals{0};        // so many requests are first told to come again later
     WebServer server;
 
 private:
@@ -93,6 +95,10 @@ private:
         return Fail(1, "Photo not found");
     }
     WebReply Answer(const std::string& request) const {
+        if (refusals > 0) {
+            --refusals;
+            return HttpAnswer("429 Too Many Requests", "");
+        }
         const std::string method = QueryField(request, "method");
         if (QueryField(request, "api_key") != "key-of-flickr") return Fail(100, "Invalid API Key");
         const auto own = answers.find(method);

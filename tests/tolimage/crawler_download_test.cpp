@@ -220,6 +220,27 @@ TEST_F(Download, Attempts_AreAsManyAsTold) {
     EXPECT_EQ(Picture, ReadBytes(download.GetFile())) << "nothing of the first answer";
 }
 
+TEST_F(Download, BusyServer_IsAskedAgain) {
+    SetTolLimit(TolLimit::WebBackoffMs, 1);
+    std::atomic<int> count{0};
+    EXPECT_EQ("", FetchFrom([&](auto const&) {
+                  return ++count < 4 ? HttpAnswer("429 Too Many Requests", "x") : HttpAnswer("200 OK", Picture);
+              }));
+    EXPECT_EQ(Picture, ReadBytes(file));
+    EXPECT_EQ(4, count);
+}
+
+TEST_F(Download, ServerThatStaysBusy_IsAskedFourTimes) {
+    SetTolLimit(TolLimit::WebBackoffMs, 1);
+    std::atomic<int> count{0};
+    EXPECT_TRUE(FetchFrom([&](auto const&) {
+                    ++count;
+                    return HttpAnswer("503 Busy", "x");
+                }).Contains("The server answered 503."));
+    EXPECT_EQ(4, count);
+    EXPECT_TRUE(Left().empty());
+}
+
 TEST_F(Download, Abort_LetsASmallFileArrive) {
     tcvAbortProgress();
     EXPECT_EQ("", FetchFrom(GivePicture));
