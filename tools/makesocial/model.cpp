@@ -38,12 +38,15 @@ constexpr std::pair<int, int> kShapes[] = {{4, 3}, {3, 2}, {16, 9}, {1, 1}, {5, 
 constexpr std::pair<int, int> kCuts[] = {{1, 1}, {5, 4}, {4, 3}, {3, 2}, {16, 9}, {2, 1}};
 
 // What a record has to be, strictest first.
-enum class Rule { FarFromNone, NearestToOwn, NotForeign, Any };
+enum class Rule { FarFromNone, Sparing, NearestToOwn, NotForeign, Any };
+
+constexpr Rule kRules[] = {Rule::FarFromNone, Rule::Sparing, Rule::NearestToOwn, Rule::NotForeign, Rule::Any};
 
 bool IsAccepted(Near const& near, Rule rule) {
     if (rule == Rule::Any) return true;
     if (near.IsContested()) return false;
     if (rule == Rule::NotForeign) return true;
+    if (rule == Rule::Sparing) return near.spared < kThreshold;
     return near.own >= near.none && (rule == Rule::NearestToOwn || near.none < kThreshold);
 }
 
@@ -95,14 +98,17 @@ public:
                 nearest = sample;
             }
         }
-        if (nearest != nullptr) TryShaped(*nearest, side, Rule::Any);
+        if (nearest == nullptr) return;
+        for (Rule const rule : kRules) {
+            if (TryLyingAndUpright(*nearest, side, rule)) return;
+        }
     }
 
     void Fill(size_t count) {
         size_t const wanted = m_made.size() + count;
         if (m_usable.empty()) FillFromPublished(wanted);
         std::vector<Sample const*> const inTurn = InTurn(m_usable);
-        for (Rule const rule : {Rule::FarFromNone, Rule::NearestToOwn, Rule::NotForeign, Rule::Any}) {
+        for (Rule const rule : kRules) {
             for (bool hasAny = true; hasAny && m_made.size() < wanted;) {
                 hasAny = false;
                 for (Sample const* model : m_beyond) {
@@ -147,7 +153,7 @@ private:
     }
 
     bool Try(Sample record, Sample const& model, Rule rule) {
-        if (m_taken.count(VectorOf(record)) != 0) return false;
+        if (m_taken.count(VectorOf(record)) != 0 || !m_nearness.IsWithinScale(record)) return false;
         if (rule != Rule::Any && !IsAccepted(m_nearness.Of(record), rule)) return false;
         m_taken.insert(VectorOf(record));
         record.file = Name(model);
@@ -198,6 +204,20 @@ private:
             if (TryOnce(model, side, attempt, rule)) return true;
         }
         return false;
+    }
+
+    bool TryLyingAndUpright(Sample const& model, int side, Rule rule) {
+        bool isMade = false;
+        for (bool const isUpright : {false, true}) {
+            for (auto const& shape : kShapes) {
+                Sample record = Copy(model);
+                SetSize(record, side, Shorter(side, shape), isUpright);
+                if (!Try(std::move(record), model, rule)) continue;
+                isMade = true;
+                break;
+            }
+        }
+        return isMade;
     }
 
     // The sides are those of the platform's measured pictures.

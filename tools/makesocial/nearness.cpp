@@ -10,6 +10,7 @@ namespace makesocial {
 namespace {
 
 constexpr size_t kFilesPerRank = 500;
+constexpr size_t kNeighbours = 3;  // that the classifier takes the mean of
 
 std::array<double, kElements> Numbers(Data const& data, Sample const& sample) {
     std::array<double, kElements> numbers;
@@ -64,6 +65,10 @@ Nearness::Nearness(Data const& data) : m_data(data) {
             greatest[i] = std::max(greatest[i], numbers[i]);
         }
     }
+    // Each platform has records with its greatest side, lying and upright.
+    for (Group const& group : data.groups) {
+        for (size_t const side : {0, 1}) greatest[side] = std::max<double>(greatest[side], group.greatest);
+    }
     for (size_t i = 0; i < kElements; ++i) {
         bool const isScaled = m_least[i] < greatest[i];
         m_span[i] = isScaled ? greatest[i] - m_least[i] : 1;
@@ -72,12 +77,32 @@ Nearness::Nearness(Data const& data) : m_data(data) {
     for (size_t const count : counts)
         m_ranks.push_back(std::max<size_t>(1, (count + kFilesPerRank / 2) / kFilesPerRank));
     m_count = data.measured.size() + data.others.size();
+    m_isSpared.resize(data.others.size(), true);
     m_tiles.resize((m_count + kTile - 1) / kTile);
     for (size_t n = 0; n < m_count; ++n) {
         bool const isMeasured = n < data.measured.size();
         Direction const direction = DirectionOf(isMeasured ? data.measured[n] : data.others[n - data.measured.size()]);
         for (size_t i = 0; i < kElements; ++i) m_tiles[n / kTile][i][n % kTile] = direction[i];
     }
+}
+
+void Nearness::Spare(std::vector<Sample> const& records) {
+    size_t const others = m_data.others.size();
+    std::vector<std::array<double, kNeighbours>> best(others);
+    for (Sample const& record : records) {
+        std::vector<double> const cosines = Cosines(record);
+        for (size_t n = 0; n < others; ++n) {
+            double const cosine = Rounded(cosines[m_data.measured.size() + n]);
+            auto& three = best[n];
+            if (cosine <= three.back()) continue;
+            three.back() = cosine;
+            std::sort(three.begin(), three.end(), std::greater<>());
+        }
+    }
+    for (size_t n = 0; n < others; ++n) {
+        m_isSpared[n] = best[n][0] + best[n][1] + best[n][2] < kNeighbours * kThreshold;
+    }
+    m_known.clear();
 }
 
 std::vector<double> Nearness::Cosines(Sample const& sample) const {
@@ -118,9 +143,21 @@ Near Nearness::Measure(Sample const& sample) const {
         double& to = name == sample.group ? near.own : near.foreign;
         to = std::max(to, best[place].Last());
     }
-    for (size_t n = measured; n < m_count; ++n) near.none = std::max(near.none, cosines[n]);
+    for (size_t n = measured; n < m_count; ++n) {
+        near.none = std::max(near.none, cosines[n]);
+        if (m_isSpared[n - measured]) near.spared = std::max(near.spared, cosines[n]);
+    }
     near.none = Rounded(near.none);
+    near.spared = Rounded(near.spared);
     return near;
+}
+
+bool Nearness::IsWithinScale(Sample const& sample) const {
+    Direction const numbers = Numbers(m_data, sample);
+    for (size_t i = 0; i < kElements; ++i) {
+        if (numbers[i] < m_least[i] || numbers[i] > m_least[i] + m_span[i]) return false;
+    }
+    return true;
 }
 
 Near const& Nearness::Of(Sample const& sample) {

@@ -21,6 +21,7 @@ struct Near {
     double own = 0;      // to samples of the same platform
     double foreign = 0;  // to samples of the other platform that comes nearest
     double none = 0;     // to the nearest file that no platform has touched
+    double spared = 0;   // to the nearest of those that Spare was asked to spare
 
     // Samples of another platform come nearer.
     bool IsContested() const { return own < foreign; }
@@ -39,7 +40,12 @@ class Nearness {
 public:
     explicit Nearness(Data const& data);
 
+    // From now on `Near::spared` is about the files from no platform that these records alone don't claim: which three
+    // of them together are less than kThreshold like.
+    void Spare(std::vector<Sample> const& records);
     Near const& Of(Sample const& sample);
+    // A record outside of the scale would stretch it for all.
+    bool IsWithinScale(Sample const& sample) const;
     Alike FindAlike(Sample const& sample) const;
 
 private:
@@ -61,6 +67,7 @@ private:
     std::map<std::string, size_t> m_platforms;  // name to place in m_ranks
     std::vector<size_t> m_platformOf;           // of each measured sample
     std::vector<size_t> m_ranks;                // which of a platform's nearest counts
+    std::vector<bool> m_isSpared;               // of each file from no platform
     std::map<Key, Near> m_known;
 };
 

@@ -87,7 +87,7 @@ public:
 
     // Up to `count` records on files of other sizes than the group admits, reduced (or enlarged) to its limits.
     void AddBeyond(size_t count);
-    // One with this longer side.
+    // One lying and one upright with this longer side.
     void AddWithSide(int side);
     // As many as are still wanted, on all measured files.
     void Fill(size_t count);

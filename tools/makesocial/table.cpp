@@ -14,11 +14,11 @@ bool HasSide(std::vector<Sample> const& samples, int side) {
     return std::any_of(samples.begin(), samples.end(), [&](Sample const& one) { return one.LongerSide() == side; });
 }
 
-void AddGroup(Data const& data, Group const& group, Nearness& nearness, std::vector<Sample>& table) {
+void AddGroup(Data const& data, Group const& group, Nearness& nearness, std::vector<Sample> measured,
+              std::vector<Sample>& table) {
     auto const wanted = static_cast<size_t>(group.records);
     Modeller modeller(data, group, nearness);
     modeller.AddBeyond(static_cast<size_t>(group.beyond));
-    std::vector<Sample> measured = Draw(data, group, nearness, wanted);
     for (int const side : {group.least, group.greatest}) {
         if (!HasSide(measured, side) && !HasSide(modeller.GetRecords(), side)) modeller.AddWithSide(side);
     }
@@ -37,7 +37,15 @@ void AddGroup(Data const& data, Group const& group, Nearness& nearness, std::vec
 std::vector<Sample> MakeTable(Data const& data) {
     Nearness nearness(data);
     std::vector<Sample> table;
-    for (Group const& group : data.groups) AddGroup(data, group, nearness, table);
+    std::vector<std::vector<Sample>> drawn;
+    std::vector<Sample> all;
+    for (Group const& group : data.groups) {
+        drawn.push_back(Draw(data, group, nearness, static_cast<size_t>(group.records - group.beyond)));
+        all.insert(all.end(), drawn.back().begin(), drawn.back().end());
+    }
+    nearness.Spare(all);
+    for (size_t n = 0; n < data.groups.size(); ++n)
+        AddGroup(data, data.groups[n], nearness, std::move(drawn[n]), table);
     return table;
 }
 
