@@ -3,13 +3,17 @@
 
 #include <wx/base64.h>
 
+#include <algorithm>
+#include <unordered_map>
 #include <utility>
 
 #include "tolbase/exception.h"
 #include "tolbase/limits.h"
 
 // Groups of family 0 and 1, and family 4 to tell a repeated tag from the first.
-char const* const ExifToolValuesArguments = "-php\n-a\n-G0:1:4\n";
+// With groups asked for ExifTool orders the values by them, and works out each value's groups once more for that.
+// --sort keeps the file's order, and we do the ordering.
+char const* const ExifToolValuesArguments = "-php\n-a\n-G0:1:4\n--sort\n";
 char const* const ExifToolNumbersArguments = "-php\n-n\n-G0:1:4\n-Composite:GPSLatitude\n-Composite:GPSLongitude\n";
 
 namespace {
@@ -34,7 +38,7 @@ class Parser {
 public:
     explicit Parser(std::string const& text) : m_text(text) {}
 
-    // Gives each pair of the first file's array to `take`.
+    // Gives each key of the first file's array to `take`, and where its pair begins.
     template <class Take>
     void Read(Take take) {
         Blank();
@@ -42,13 +46,19 @@ public:
         Blank();
         Word("Array(");
         for (Blank(); Peek() != ')'; Blank()) {
-            std::string key = Quoted();
-            Blank();
-            Word("=>");
-            take(key, Value(0));
+            const size_t at = m_at;
+            take(PairAt(at).first, at);
             Blank();
             if (Peek() == ',') ++m_at;
         }
+    }
+    // The key and the value that begin there.
+    std::pair<std::string, std::string> PairAt(size_t at) {
+        m_at = at;
+        std::string key = Quoted();
+        Blank();
+        Word("=>");
+        return {std::move(key), Value(0)};
     }
 
 private:
@@ -138,6 +148,51 @@ private:
     size_t m_at = 0;
 };
 
+// The places of an answer's pairs, ordered as ExifTool orders values by their groups: the groups as they first occur,
+// and within a group as in the file. Holds no more than twice the pairs that are wanted, whatever the answer's length.
+class GroupedPlaces {
+public:
+    explicit GroupedPlaces(uint64_t wanted) : m_wanted(static_cast<size_t>(wanted)) {}
+
+    void Add(std::string const& key, size_t at) {
+        ++m_count;
+        const size_t colon = key.rfind(':');
+        const std::string group = colon == std::string::npos ? std::string() : key.substr(0, colon);
+        auto known = m_groups.find(group);
+        if (known == m_groups.end()) {
+            // All that came so far stands before a group that only begins here.
+            if (m_count > m_wanted) return;
+            known = m_groups.emplace(group, m_groups.size()).first;
+        }
+        m_places.push_back({known->second, at});
+        if (m_places.size() / 2 > m_wanted) Order();
+    }
+    std::vector<size_t> Take() {
+        Order();
+        std::vector<size_t> places;
+        for (Place const& place : m_places) places.push_back(place.at);
+        return places;
+    }
+    uint64_t Count() const { return m_count; }
+
+private:
+    struct Place {
+        size_t group;
+        size_t at;
+    };
+    void Order() {
+        std::stable_sort(m_places.begin(), m_places.end(),
+                         [](Place const& a, Place const& b) { return a.group < b.group; });
+        // What is pushed out can't come back.
+        if (m_places.size() > m_wanted) m_places.resize(m_wanted);
+    }
+
+    size_t m_wanted;
+    uint64_t m_count = 0;
+    std::unordered_map<std::string, size_t> m_groups;
+    std::vector<Place> m_places;
+};
+
 bool IsCopyGroup(std::string const& group) {
     return group.size() > 4 && group.compare(0, 4, "Copy") == 0 &&
            group.find_first_not_of("0123456789", 4) == std::string::npos;
@@ -173,16 +228,17 @@ ExifToolValues ParseExifToolAnswer(std::string const& answer) {
     ExifToolValues values;
     if (answer.find_first_not_of(" \n") == std::string::npos) return values;
     const uint64_t limit = GetTolLimit(TolLimit::MetadataValues);
-    uint64_t left = 0;
-    Parser(answer).Read([&](std::string const& key, std::string value) {
-        if (key == "SourceFile") return;
-        if (values.size() >= limit) {
-            ++left;
-            return;
-        }
+    GroupedPlaces places(limit);
+    Parser parser(answer);
+    parser.Read([&](std::string const& key, size_t at) {
+        if (key != "SourceFile") places.Add(key, at);
+    });
+    for (const size_t at : places.Take()) {
+        auto [key, value] = parser.PairAt(at);
         Cut(value);
         values.push_back(Named(key, value));
-    });
+    }
+    const uint64_t left = places.Count() - values.size();
     if (left > 0) {
         const std::string told = std::to_string(left) + " further values left out: the limit \"metadata-values\" is " +
                                  std::to_string(limit);

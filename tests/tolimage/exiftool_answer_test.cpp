@@ -101,6 +101,28 @@ TEST(ExifToolAnswer, TooManyValues_AreCountedInARow) {
     EXPECT_EQ("2 further values left out: the limit \"metadata-values\" is 2", values[2].value);
 }
 
+TEST(ExifToolAnswer, Values_StandByTheirGroupsInTheOrderOfTheFile) {
+    const ExifToolValues values = ParseExifToolAnswer(
+        "Array(Array(\"SourceFile\" => \"/a\",\"B:P\" => 1,\"A:X:Q\" => 2,\"B:Copy1:R\" => 3,\"B:S\" => 4,"
+        "\"A:Y:T\" => 5,\"A:X:U\" => 6));");
+    wxString order;
+    for (ExifToolValue const& value : values) order += value.tag + value.value;
+    EXPECT_EQ("P1S4Q2U6R3T5", order);
+}
+
+TEST(ExifToolAnswer, TooManyValues_AreThoseOfTheLastGroups) {
+    SetTolLimit(TolLimit::MetadataValues, 3);
+    std::string text = "Array(Array(\"A:P\" => 1,\"B:Q\" => 2,\"C:R\" => 3,\"D:S\" => 4";
+    for (int i = 0; i < 20; ++i) text += ",\"C:R" + std::to_string(i) + "\" => 0";
+    const ExifToolValues values = ParseExifToolAnswer(text + ",\"A:T\" => 5));");
+    SetTolLimit(TolLimit::MetadataValues, 0);
+    ASSERT_EQ(4U, values.size());
+    EXPECT_EQ("P", values[0].tag);
+    EXPECT_EQ("T", values[1].tag);
+    EXPECT_EQ("Q", values[2].tag);
+    EXPECT_TRUE(values[3].value.StartsWith("22 further values"));
+}
+
 TEST(ExifToolAnswer, Binary_IsDecoded) {
     EXPECT_EQ(std::string("\xFF\xD8\0", 3), ParseExifToolBinary("[{\n  \"ThumbnailImage\": \"base64:/9gA\"\n}]\n"));
     EXPECT_EQ("", ParseExifToolBinary("[{\n  \"SourceFile\": \"a.jpg\"\n}]\n"));
