@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 #include "tolbase/file.h"
@@ -114,7 +115,11 @@ bool LaunchDefaultBrowserLocalFile(const wxString& path) {
     char* arguments[] = {&program[0], &bytes[0], nullptr};
     pid_t process = 0;
     if (posix_spawnp(&process, program.c_str(), nullptr, nullptr, arguments, environ) != 0) return false;
-    // It lives as long as it likes; somebody has to take its result.
-    std::thread([process] { waitpid(process, nullptr, 0); }).detach();
+    try {
+        // It lives as long as it likes; somebody has to take its result.
+        std::thread([process] { waitpid(process, nullptr, 0); }).detach();
+    } catch (std::system_error const&) {
+        // No thread to be had: the page is shown all the same.
+    }
     return true;
 }

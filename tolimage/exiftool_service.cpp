@@ -45,6 +45,22 @@ std::string Ready(uint64_t number) {
     return "{ready" + std::to_string(number) + "}\n";
 }
 
+// While one lives, this thread takes no signal, and neither does one that it starts.
+class SignalsBlocked {
+public:
+    SignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &m_before);
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    SignalsBlocked(SignalsBlocked const&) = delete;
+    SignalsBlocked& operator=(SignalsBlocked const&) = delete;
+
+private:
+    sigset_t m_before{};
+};
+
 }  // namespace
 
 ExifToolService& ExifToolService::Instance() {
@@ -71,16 +87,12 @@ void ExifToolService::Wake() const {
     }
 }
 
-// Signals are the application's business and must not be taken on this thread.
+// Signals are the application's business and must not be taken on the service's thread. Throws where none can be had.
 void ExifToolService::StartThread() {
     if (m_started) return;
-    sigset_t all;
-    sigset_t old;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &old);
+    SignalsBlocked const blocked;
     m_thread = std::thread([this] { Run(); });
     m_thread.detach();
-    pthread_sigmask(SIG_SETMASK, &old, nullptr);
     m_started = true;
 }
 

@@ -2,7 +2,9 @@
 #include "tolimage/exiftool.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,6 +13,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <system_error>
 #include <thread>
 
 #include "tests/tolimage/pictures.h"
@@ -303,6 +306,27 @@ TEST_F(ExifTool, Shutdown_LeavesItUsable) {
     ExifToolShutdown();
     EXPECT_EQ("", Failure(picture));
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+// A thread's stack is larger than what is left.
+TEST_F(ExifTool, WithoutAThread_ThrowsAndSignalsArriveAsBefore) {
+    pthread_attr_t attributes;
+    ASSERT_EQ(0, pthread_attr_init(&attributes));
+    ASSERT_EQ(0, pthread_attr_setstacksize(&attributes, size_t{64} << 20));
+    ASSERT_EQ(0, pthread_setattr_default_np(&attributes));
+    std::string const pages = support::ReadBytes("/proc/self/statm");
+    rlimit const memory{std::strtoul(pages.c_str(), nullptr, 10) * 4096 + (rlim_t{32} << 20), RLIM_INFINITY};
+    ASSERT_EQ(0, setrlimit(RLIMIT_AS, &memory));
+    EXPECT_THROW(ExifToolRead(picture), std::system_error);
+    sigset_t blocked;
+    ASSERT_EQ(0, pthread_sigmask(SIG_SETMASK, nullptr, &blocked));
+    EXPECT_EQ(0, sigismember(&blocked, SIGTERM));
+    EXPECT_EQ(0, sigismember(&blocked, SIGINT));
+    rlimit const enough{RLIM_INFINITY, RLIM_INFINITY};
+    ASSERT_EQ(0, setrlimit(RLIMIT_AS, &enough));
+    EXPECT_FALSE(ExifToolRead(picture).empty());
+}
+#endif
 
 TEST_F(ExifTool, DetailsWithoutExifTool_Throw) {
     ExifToolSetProgram(dir / "nothing here");
