@@ -175,15 +175,24 @@ TEST(JpegInfo, ColourSpace_FollowsComponents) {
 
 TEST(JpegInfo, Processes_AreNamed) {
     const std::pair<int, char const*> cases[] = {{0xC0, "Baseline DCT, Huffman coding"},
+                                                 {0xC1, "Extended sequential DCT, Huffman coding"},
                                                  {0xC2, "Progressive DCT, Huffman coding"},
+                                                 {0xC3, "Lossless, Huffman coding"},
+                                                 {0xC5, "Sequential DCT, differential Huffman coding"},
+                                                 {0xC6, "Progressive DCT, differential Huffman coding"},
+                                                 {0xC7, "Lossless, differential Huffman coding"},
                                                  {0xC9, "Extended sequential DCT, arithmetic coding"},
-                                                 {0xCA, "Progressive DCT, arithmetic coding"}};
+                                                 {0xCA, "Progressive DCT, arithmetic coding"},
+                                                 {0xCB, "Lossless, arithmetic coding"},
+                                                 {0xCD, "Sequential DCT, differential arithmetic coding"},
+                                                 {0xCE, "Progressive DCT, differential arithmetic coding"},
+                                                 {0xCF, "Lossless, differential arithmetic coding"}};
     for (auto const& [code, name] : cases) {
         JpegBuilder builder;
         builder.Soi().Dqt(0, FlatTable(1)).ColourFrame(code, 8, 8, 0x11);
         const JpegInfo info = Read(Whole(builder));
         EXPECT_EQ(wxString(name), info.Process);
-        EXPECT_EQ(code == 0xC2 || code == 0xCA, info.IsProgressive);
+        EXPECT_EQ(info.Process.StartsWith("Progressive"), info.IsProgressive) << name;
     }
 }
 
