@@ -121,6 +121,26 @@ TEST(PhotoList, Request_IsAsTheServiceDocumentsIt) {
     EXPECT_EQ("", manager.GetErrorMsg()) << "nothing found is no error";
 }
 
+TEST(PhotoList, DayOutsideTheCalendar_IsNotSent) {
+    for (char const* const day : {"1899-12-31", "10000-1-1", "2017-7", "2017-7-x", "day"}) {
+        FakeFlickr flickr;
+        GetPhotoListManagerFlickr manager({"canon", "canon eos 5d"}, day, TagFilter(), 0);
+        manager.RunThreadMngrAlt();
+        std::string const request = flickr.server.Request();
+        EXPECT_NE(std::string::npos, request.find("flickr.photos.search")) << day;
+        EXPECT_EQ(std::string::npos, request.find("min_upload_date=1")) << day;
+        EXPECT_EQ("", QueryField(request, "min_upload_date")) << day;
+    }
+}
+
+TEST(PhotoList, LastYearOfTheCalendar_IsSent) {
+    ASSERT_EQ(0, setenv("TZ", "UTC", 1));
+    FakeFlickr flickr;
+    GetPhotoListManagerFlickr manager({"canon", "canon eos 5d"}, "9999-12-31", TagFilter(), 0);
+    manager.RunThreadMngrAlt();
+    EXPECT_EQ("253402214400", QueryField(flickr.server.Request(), "min_upload_date"));
+}
+
 TEST(PhotoList, ModelWithItsMake_IsSearchedOnce) {
     FakeFlickr flickr;
     GetPhotoListManagerFlickr manager({"lge", "lge nexus 4"}, "2017-7-14", TagFilter(), 0);
