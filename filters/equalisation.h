@@ -17,7 +17,8 @@ enum OrvEqualisationMethod : int {
 
 // An 8-bit picture of one channel or of three (blue, green, red), equalised: its luma (ITU-R BT.601) over the whole
 // picture; each channel by itself; or its luma tile by tile with a limited slope (contrast limit 2, 8 by 8 tiles, fewer
-// where a tile would be narrower than 32 pixels). Where luma alone is equalised, chroma stays as it is.
+// where a tile would be narrower than 32 pixels). Where luma alone is equalised, chroma stays as it is. Empty once the
+// user has aborted.
 ORV_API cv::Mat OrvCalculateEqualisation(cv::Mat const& picture, OrvEqualisationMethod method);
 
 // Shows the equalised picture, with Levels behind it. Parameter: "Method".

@@ -188,7 +188,7 @@ bool OrvFilterImage::LoadCache(OrvFileId id) {
     if (!wxFileExists(path)) return false;
     m_outputImage[id] = Image();
     if (!filtercache::IsWholePicture(path)) return false;
-    Image const loaded(tcvLoadImage(path, true, true));
+    Image const loaded(tcvLoadOwnImage(path));
     // A remark is that of a decoder that made up what a damaged file lacks.
     if (!loaded.IsOk() || !tcvLastLoadWarning().empty()) return false;
     CvSize const size = GetInputImage(id).Size();

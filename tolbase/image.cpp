@@ -2,7 +2,6 @@
 #include "tolbase/image.h"
 
 #include <opencv2/imgproc/imgproc_c.h>
-#include <sys/mman.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -11,6 +10,7 @@
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
+#include "tolbase/largepages.h"
 #include "tolbase/limits.h"
 
 struct Image::Holder {
@@ -58,16 +58,6 @@ bool IsKnownDepth(int depth) {
     return false;
 }
 
-// Filling a big picture costs as much in page faults as in decoding unless the kernel gives it large pages. It is a
-// hint: nothing depends on it.
-void UseLargePages(_IplImage const& header) {
-    constexpr uintptr_t kLargePage = 2U << 20;
-    const auto start = reinterpret_cast<uintptr_t>(header.imageData);
-    const uintptr_t first = (start + kLargePage - 1) / kLargePage * kLargePage;
-    const uintptr_t last = (start + static_cast<uintptr_t>(header.imageSize)) / kLargePage * kLargePage;
-    if (last > first) madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
-}
-
 // Null for sizes without pixels, for more bytes than a header can count, and where memory is short.
 _IplImage* NewHeader(int width, int height, int depth, int channels) {
     if (width <= 0 || height <= 0 || channels < 1 || channels > 4 || !IsKnownDepth(depth)) return nullptr;
@@ -75,7 +65,7 @@ _IplImage* NewHeader(int width, int height, int depth, int channels) {
     if (bytes > std::numeric_limits<int>::max() / height) return nullptr;
     try {
         _IplImage* header = cvCreateImage(cvSize(width, height), depth, channels);
-        UseLargePages(*header);
+        tolbase::UseLargePages(header->imageData, static_cast<size_t>(header->imageSize));
         return header;
     } catch (cv::Exception const&) {
         return nullptr;

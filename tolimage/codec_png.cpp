@@ -94,6 +94,12 @@ bool ReadRows(Reader& reader, unsigned char* first, size_t step, int height, int
     return true;
 }
 
+void Blacken(Image& image, int firstRow) {
+    const auto step = static_cast<size_t>(image.Step());
+    std::memset(image.Data() + step * static_cast<size_t>(firstRow), 0,
+                step * static_cast<size_t>(image.Height() - firstRow));
+}
+
 [[noreturn]] void Fail(Reader const& reader) {
     throw DecodeError(reader.truncated ? ByteErrorKind::Truncated : ByteErrorKind::Corrupt, reader.remark);
 }
@@ -111,7 +117,7 @@ private:
 
 }  // namespace
 
-Image DecodePng(ByteView file) {
+Image DecodePng(ByteView file, PngSums sums) {
     Reader reader{};
     reader.data = file.Data();
     reader.size = file.Size();
@@ -119,6 +125,7 @@ Image DecodePng(ByteView file) {
     reader.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &reader, OnPngError, OnPngWarning);
     if (reader.png != nullptr) reader.info = png_create_info_struct(reader.png);
     if (reader.info == nullptr) throw DecodeError(ByteErrorKind::Unsupported, "libpng could not be set up");
+    if (sums == PngSums::OfChunks) png_set_option(reader.png, PNG_IGNORE_ADLER32, PNG_OPTION_ON);
     if (!ReadHeader(reader)) Fail(reader);
     const int64_t width = png_get_image_width(reader.png, reader.info);
     const int64_t height = png_get_image_height(reader.png, reader.info);
@@ -126,12 +133,15 @@ Image DecodePng(ByteView file) {
     int passes = 1;
     if (!SetUp(reader, passes)) Fail(reader);
     const int depth = png_get_bit_depth(reader.png, reader.info) == 16 ? IPL_DEPTH_16U : IPL_DEPTH_8U;
-    Image image =
-        NewImage(static_cast<int>(width), static_cast<int>(height), depth, png_get_channels(reader.png, reader.info));
+    Image image = NewUnsetImage(static_cast<int>(width), static_cast<int>(height), depth,
+                                png_get_channels(reader.png, reader.info));
     if (png_get_rowbytes(reader.png, reader.info) > static_cast<size_t>(image.Step())) {
         throw DecodeError(ByteErrorKind::Corrupt, "rows longer than their width");
     }
+    // The rows of several passes are put together from what stands there already.
+    if (passes > 1) Blacken(image, 0);
     if (!ReadRows(reader, image.Data(), static_cast<size_t>(image.Step()), image.Height(), passes)) {
+        if (passes == 1) Blacken(image, reader.rowsRead);
         if (reader.rowsRead == 0) Fail(reader);
         Warn(std::string("PNG: ") + reader.remark);
     } else if (reader.warning[0] != 0) {

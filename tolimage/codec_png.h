@@ -10,7 +10,9 @@
 
 namespace codec {
 
-Image DecodePng(ByteView file);
+// Which checksums have to be right: those of the chunks and that of the packed stream, or the first alone.
+enum class PngSums { All, OfChunks };
+Image DecodePng(ByteView file, PngSums sums = PngSums::All);
 void ProbePng(ByteView file, ImageProbe& probe);
 // One to four channels of 8 or 16 bits.
 // Not packed: larger, and several times as fast to write and to read.

@@ -14,6 +14,7 @@
 #include "tolbase/bytereader.h"
 #include "tolbase/exception.h"
 #include "tolbase/file.h"
+#include "tolbase/largepages.h"
 #include "tolbase/limits.h"
 #include "tolimage/codec.h"
 #include "tolimage/codec_bmp.h"
@@ -110,6 +111,7 @@ FileBytes ReadWhole(wxString const& path) {
     const auto expected = static_cast<size_t>(info.st_size);
     bytes.data.reset(static_cast<unsigned char*>(std::malloc(std::max<size_t>(expected, 1))));
     if (!bytes.data) throw std::bad_alloc();
+    tolbase::UseLargePages(bytes.data.get(), expected);
     while (bytes.size < expected) {
         const ssize_t count = read(file.Get(), bytes.data.get() + bytes.size, expected - bytes.size);
         if (count < 0 && errno == EINTR) continue;
@@ -179,6 +181,15 @@ _IplImage* tcvLoadImage(wxString const& path, bool color, bool asStored) {
         const Image stored = codec::Decode(bytes.View());
         if (!color) return stored.ToGray();
         return asStored ? stored : Normalise(stored);
+    });
+    return image.Release();
+}
+
+_IplImage* tcvLoadOwnImage(wxString const& path) {
+    Image image = Guarded([&] {
+        const FileBytes bytes = ReadWhole(path);
+        const bool png = codec::Sniff(bytes.View()) == codec::Format::Png;
+        return png ? codec::DecodePng(bytes.View(), codec::PngSums::OfChunks) : codec::Decode(bytes.View());
     });
     return image.Release();
 }

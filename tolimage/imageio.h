@@ -25,7 +25,12 @@
 // depth and alpha as the file has them; without it the result has 8 bits and one (grey) or three channels (blue, green,
 // red).
 ORV_API _IplImage* tcvLoadImage(wxString const& path, bool color, bool asStored);
-// Why this thread's last tcvLoadImage, tcvLoadThumbnail or DecodeImageFromMemory gave nothing, as a sentence: "Refused:
+// tcvLoadImage with true and true, for a file that this program has written itself, such as one of its cache: of a PNG
+// the checksum of each chunk is enough, which all its bytes stand under, and that of the unpacked pixels is passed
+// over.
+ORV_API _IplImage* tcvLoadOwnImage(wxString const& path);
+// Why this thread's last tcvLoadImage, tcvLoadOwnImage, tcvLoadThumbnail or DecodeImageFromMemory gave nothing, as a
+// sentence: "Refused:
 // ..." with the limit's name, "Truncated: ...", "Unsupported: ...", "Corrupt: ...", "Unreadable: ...". Empty after one
 // that worked, and where there simply is no thumbnail.
 ORV_API wxString tcvLastLoadError();

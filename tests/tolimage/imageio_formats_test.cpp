@@ -92,6 +92,32 @@ TEST_F(ImageFormats, Save_KeepsSixteenBitsWhereTheFormatCan) {
     EXPECT_EQ(255, At(shallow, 0, 0, 2));
 }
 
+// The checksum of the unpacked pixels, wrong under a chunk's that is right, is the one that our own files need not
+// keep.
+TEST_F(ImageFormats, OwnPng_IsHeldToTheSumsOfItsChunks) {
+    std::string packed = Deflated(Bytes({0, 1, 2, 3}));
+    const std::string head = Png(1, 1, 8, 2, "").substr(0, 33);
+    packed.back() = static_cast<char>(packed.back() ^ 1);
+    std::string bytes = head + Chunk("IDAT", packed) + Chunk("IEND", "");
+    const wxString path = support::WriteBytes(dir / "own.png", bytes);
+    Image own(tcvLoadOwnImage(path));
+    ASSERT_TRUE(own.IsOk());
+    EXPECT_EQ("", tcvLastLoadWarning());
+    EXPECT_EQ(3, At(own, 0, 0, 0));
+    // The chunk's own sum, behind its data.
+    char& sum = bytes[bytes.size() - 13];
+    sum = static_cast<char>(sum ^ 1);
+    support::WriteBytes(dir / "own.png", bytes);
+    EXPECT_FALSE(Image(tcvLoadOwnImage(path)).IsOk() && tcvLastLoadWarning().empty());
+}
+
+TEST_F(ImageFormats, OwnImage_KeepsDepthAndAlpha) {
+    const std::string bytes = Png(1, 1, 16, 6, Bytes({0, 1, 0, 2, 0, 3, 0, 4, 0}));
+    Image own(tcvLoadOwnImage(support::WriteBytes(dir / "own.png", bytes)));
+    ASSERT_EQ(CV_16UC4, cv::Mat(own).type());
+    EXPECT_EQ(cv::Vec4w(768, 512, 256, 1024), cv::Mat(own).at<cv::Vec4w>(0, 0));
+}
+
 TEST_F(ImageFormats, PngAlpha_IsKeptOnlyAsStored) {
     const std::string bytes = Png(1, 1, 8, 6, Bytes({0, 30, 20, 10, 128}));
     Image stored = Load(bytes, true);

@@ -156,6 +156,21 @@ TEST_F(HostileFiles, PngThatBreaksOff_GivesItsRows) {
     EXPECT_TRUE(tcvLastLoadWarning().StartsWith("PNG: ")) << tcvLastLoadWarning().utf8_str();
 }
 
+// Not what the memory held before.
+TEST_F(HostileFiles, PngThatBreaksOff_IsBlackBelow) {
+    const std::string row = '\0' + std::string(300, '\xFF');
+    std::string rows;
+    for (int y = 0; y < 200; ++y) rows += row;
+    const wxString whole = support::WriteBytes(dir / "whole.png", Png(300, 200, 8, 0, rows));
+    ASSERT_TRUE(Image(tcvLoadImage(whole, true, false)).IsOk());
+    const wxString part = support::WriteBytes(dir / "part.png", Png(300, 200, 8, 0, rows.substr(0, row.size() * 150)));
+    Image image(tcvLoadImage(part, true, false));
+    ASSERT_TRUE(image.IsOk());
+    const cv::Mat pixels = image;
+    EXPECT_EQ(300 * 150, cv::countNonZero(pixels.rowRange(0, 150)));
+    EXPECT_EQ(0, cv::countNonZero(pixels.rowRange(150, 200)));
+}
+
 TEST_F(HostileFiles, HugeClaims_InEachFormatAreRefused) {
     const std::string bmp = "BM" + Little(100, 4) + Little(0, 4) + Little(54, 4) + Little(40, 4) + Little(60000, 4) +
                             Little(60000, 4) + Little(1, 2) + Little(8, 2) + Little(1, 4) + std::string(60, '\0');
