@@ -171,16 +171,14 @@ void OrvFilterImage::ApplyPostProcessingMap(OrvFileId id) {
     processed = m_outputImage[id].Clone();
     if (!processed.IsOk()) return;
     int const type = m_parametersPostProcessing.at(0).GetValue<int>();
-    if (type > MapGray) {
+    if (type == MapColorOverlay || type == MapColorOverlayInverted) {
         Image map = m_outputImage[id].Clone();
         TurnIntoColourMap(map);
-        if (type == MapColorOverlay || type == MapColorOverlayInverted) {
-            // Throws where the two differ in size or type.
-            cvCopy(static_cast<_IplImage const*>(GetInputImage(id)), static_cast<_IplImage*>(processed));
-            Overlay(processed, map, type == MapColorOverlayInverted);
-        } else {
-            processed = map;
-        }
+        // Throws where the two differ in size or type.
+        cvCopy(static_cast<_IplImage const*>(GetInputImage(id)), static_cast<_IplImage*>(processed));
+        Overlay(processed, map, type == MapColorOverlayInverted);
+    } else if (type > MapGray) {
+        TurnIntoColourMap(processed);
     }
     if (m_parametersPostProcessing.at(1).GetValue<int>() == 1) ShowSaturation(id);
 }
