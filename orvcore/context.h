@@ -231,6 +231,10 @@ protected:
     void LoadKeywords(wxString const& path);
     // Works out the slot's output path and puts a copy of the file there.
     void UpdateBasePath(OrvFileId id);
+    // Whether a load lists the files of the folder, as it does at first. Without, a loaded slot has an empty list and
+    // the index -1: for a program that goes through folders by itself, since a list for each of a folder's files is
+    // the square of their number.
+    void ListFolders(bool list) { m_listFolders = list; }
     void LoadInternalQtDatabase();
     // Cuts the first line from the text and fills the record; gives the class, 0 for a line that is none.
     int ParseQtDatabaseString(wxString& text, JpegSignature& out);
@@ -279,6 +283,7 @@ private:
     std::map<wxString, std::int64_t> m_appliedLimits;
     wxString m_programOptionsPath;
     bool m_prnuReferencePatternPathChanged = false;
+    bool m_listFolders = true;
     bool m_cacheEnabled = true;
     int m_cacheLocation = 0;
     wxString m_customCacheFolder;

@@ -139,7 +139,7 @@ void OrvContext::LoadFile(wxString const& path, OrvFileId id, wxString const& or
             slot.fileInfo = MakeFileInfo(id);
         }
         VecString allFiles;
-        if (!path.empty()) allFiles = GetAllFiles(wxPathOnly(sourceName), imageFormatsRead, false);
+        if (!path.empty() && m_listFolders) allFiles = GetAllFiles(wxPathOnly(sourceName), imageFormatsRead, false);
         auto const last = std::find(allFiles.rbegin(), allFiles.rend(), sourceName);
         slot.fileId = static_cast<int>(allFiles.rend() - last) - 1;
         if (folderChanged) slot.fileList = std::move(allFiles);

@@ -9,6 +9,8 @@
 namespace cli {
 
 CliContext::CliContext() {
+    // Every command is told its files by name, and shows no neighbours.
+    ListFolders(false);
     imageFormatsRead = GetReadableImageFormats();
     stringImageFormatsRead = CatVecString(imageFormatsRead, ";");
     imageFormatsWrite = GetWritableImageFormats();

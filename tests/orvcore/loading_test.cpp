@@ -171,6 +171,16 @@ TEST_F(Loading, FolderList_HoldsReadableFilesOfTheFolderAlone) {
     EXPECT_EQ(1, context->GetFileId(Evidence));
 }
 
+TEST_F(Loading, FoldersThatAreNotListed_LeaveTheSlotAlone) {
+    wxString const first = Jpeg("a.jpg");
+    Jpeg("b.jpg");
+    context->ListFolders(false);
+    Load(first);
+    EXPECT_EQ(first, context->GetFilename(Evidence));
+    EXPECT_TRUE(context->GetFileList(Evidence).empty());
+    EXPECT_EQ(-1, context->GetFileId(Evidence));
+}
+
 TEST_F(Loading, NameThatTheFolderLacks_HasNoPlaceInTheList) {
     wxString const path = Jpeg("a.jpg");
     Load(path, Evidence, dir / "in/A.jpg");

@@ -38,6 +38,7 @@ public:
     using OrvContext::AddFilterType;
     using OrvContext::CreateEditorVecString;
     using OrvContext::GetConfigurationsFromFilters;
+    using OrvContext::ListFolders;
     using OrvContext::LoadKeywords;
     using OrvContext::ParseQtDatabaseString;
     using OrvContext::UpdateBasePath;
