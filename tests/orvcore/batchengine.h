@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // A filter that saves where a batch tells it to, and an engine that runs batches.
 #pragma once
+#include <functional>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -25,6 +26,7 @@ public:
         };
     }
     void SaveOutputBatch(const wxString& path) override {
+        if (onSave) onSave();
         saved.push_back(path);
         WriteFile(path, GetName() + " of " + GetContext()->GetFilename(Evidence));
     }
@@ -34,6 +36,7 @@ public:
     std::set<wxString> warns;
     std::set<wxString> throws;
     VecString saved;
+    std::function<void()> onSave;
 };
 
 // Runs batches into the folder `out`.

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Batches for another program's plug-in, and batches that are stopped.
+#include <sys/stat.h>
+
 #include "tests/orvcore/batchengine.h"
+#include "tolbase/exception.h"
 #include "tolbase/progress.h"
 
 namespace {
@@ -62,6 +65,25 @@ TEST_F(BatchPlugin, FileThatCantBeLoaded_IsFlaggedWithTheReason) {
     Process(Listed({Jpeg("a.jpg"), broken}, 0, "r"), true);
     EXPECT_EQ(2, reports[broken].severity);
     EXPECT_EQ("File format not supported.\nOrvelle report: \"r\"\n", reports[broken].text);
+}
+
+TEST_F(BatchPlugin, WhatIsNoFile_IsFlaggedWithTheReason) {
+    AddFilter("Noise");
+    const wxString pipe = dir / "pipe.jpg";
+    ASSERT_EQ(0, mkfifo(pipe.utf8_str(), 0600));
+    const wxString missing = dir / "missing.jpg";
+    Process(Listed({pipe, missing}, 0, "r"), true);
+    EXPECT_EQ(2, reports[pipe].severity);
+    EXPECT_EQ("Not a regular file.\nOrvelle report: \"r\"\n", reports[pipe].text);
+    EXPECT_EQ(2, reports[missing].severity);
+    EXPECT_EQ("The file does not exist.\nOrvelle report: \"r\"\n", reports[missing].text);
+}
+
+TEST_F(BatchPlugin, ReportInAFolderThatTakesNone_IsToldInEachEntry) {
+    AddFilter("Noise");
+    const wxString file = Jpeg("a.jpg");
+    EXPECT_EQ("", Process(Listed({file}, 2, "/proc/self/r.tsv"), true));
+    EXPECT_TRUE(reports[file].text.Contains("The report can't be written: /proc/self/r.tsv\n")) << reports[file].text;
 }
 
 TEST_F(BatchPlugin, ReportThatCantBeWritten_IsToldInEachEntry) {

@@ -300,6 +300,26 @@ TEST_F(Batch, FailingFilter_IsToldAndTheOthersGoOn) {
     EXPECT_TRUE(Html({file}).Contains("<span class=\"warning\">broken &lt; inside</span>"));
 }
 
+TEST_F(Batch, ResultThatCantBeSaved_IsToldWhateverWasThrown) {
+    SavingFilter* filter = AddFilter("Alpha");
+    const wxString file = Jpeg("a.jpg");
+    wxString told;
+    monitor.onResult = [&told](OrvBatchResult const& result) { told = result.error + "|" + result.outputPath; };
+    filter->onSave = [] { throw TolException(__FILE__, __LINE__, ExceptionGeneral, TolErrorMessage, "no room"); };
+    Process(Listed({file}, 2, out + "/r.tsv"));
+    EXPECT_EQ("no room|", told);
+    filter->onSave = [] { throw TolException(__FILE__, __LINE__, ExceptionGeneral, TolErrorMessage, wxString()); };
+    Process(Listed({file}, 2, out + "/r.tsv"));
+    EXPECT_EQ("Unknown exception|", told);
+    filter->onSave = [] { throw std::runtime_error("torn"); };
+    Process(Listed({file}, 2, out + "/r.tsv"));
+    EXPECT_EQ("torn|", told);
+    filter->onSave = [] { throw 7; };
+    Process(Listed({file}, 2, out + "/r.tsv"));
+    EXPECT_EQ("Unknown exception|", told);
+    EXPECT_EQ(BatchHeader + file + "\tAlpha\t\tOk\t\n", ReadFile(out + "/r.tsv"));
+}
+
 TEST_F(Batch, FilterThatThrowsBeforeItsRun_IsNotCreditedWithTheRunBefore) {
     SavingFilter* filter = AddFilter("Alpha", {CreateParameterOption("Mode", "", {"A", "B"}, 0)});
     filter->onPreApply = [filter] {

@@ -144,3 +144,31 @@ TEST(VecVecParameter, Group_GoesByName) {
     groups[1] = VecParameter{CreateParameterInt("n", "", 1)};
     EXPECT_EQ(1, groups.WriteToJson()["More"]["n"].AsInt());
 }
+
+TEST(VecVecParameter, Reset_GivesEachGroupItsDefaults) {
+    VecVecParameter groups = Groups(1, 0, "one");
+    ASSERT_TRUE(groups[0][0].Set(boost::any(5)));
+    ASSERT_TRUE(groups[1][4].Set(boost::any(9)));
+    groups.Reset();
+    EXPECT_EQ(1, groups[0][0].GetValue<int>());
+    EXPECT_EQ(5, groups[1][4].GetValue<int>());
+}
+
+TEST(VecVecParameter, ClearRef_ForgetsTheLinksOfEachGroup) {
+    const Parameter source = CreateParameterInt("source", "", 1);
+    VecVecParameter groups = Groups(1, 0, "one");
+    groups[0][1].SetRef(&source);
+    groups[1][0].SetRef(&source);
+    groups.ClearRef();
+    EXPECT_EQ(nullptr, groups[0][1].GetRef());
+    EXPECT_EQ(nullptr, groups[1][0].GetRef());
+}
+
+TEST(VecVecParameter, Cleared_HasNeitherGroupsNorNames) {
+    VecVecParameter groups = Groups(1, 0, "one");
+    groups.clear();
+    EXPECT_FALSE(groups.HasGroup("More"));
+    const VecVecParameter& none = groups;
+    EXPECT_THROW(none.Group("More"), TolException);
+    EXPECT_EQ(0, groups.WriteToJson().Size());
+}
