@@ -2,11 +2,17 @@
 #include "tolbase/curl.h"
 
 #include <fcntl.h>
+#include <netinet/in.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <chrono>
+#include <thread>
 
 #include "tests/support/tempdir.h"
 #include "tests/tolbase/localserver.h"
@@ -41,6 +47,59 @@ pid_t Start(std::vector<std::string> words) {
     return failed == 0 ? process : 0;
 }
 
+// Answers "ok" to each request and leaves every connection open.
+class KeepingServer {
+public:
+    KeepingServer() : m_sockets{{socket(AF_INET, SOCK_STREAM, 0), POLLIN, 0}} {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        bind(m_sockets[0].fd, reinterpret_cast<sockaddr*>(&address), size);
+        listen(m_sockets[0].fd, 8);
+        getsockname(m_sockets[0].fd, reinterpret_cast<sockaddr*>(&address), &size);
+        url = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/";
+        m_thread = std::thread([this] { Run(); });
+    }
+    ~KeepingServer() {
+        m_stop = true;
+        m_thread.join();
+        for (const pollfd& each : m_sockets) close(each.fd);
+    }
+    KeepingServer(const KeepingServer&) = delete;
+    KeepingServer& operator=(const KeepingServer&) = delete;
+
+    std::string url;
+    std::atomic<int> connections{0};
+
+private:
+    void Run() {
+        while (!m_stop) {
+            if (poll(m_sockets.data(), m_sockets.size(), 20) < 1) continue;
+            for (std::size_t i = m_sockets.size() - 1; i > 0; --i)
+                if (m_sockets[i].revents != 0) Answer(i);
+            if (m_sockets[0].revents == 0) continue;
+            m_sockets.push_back({accept(m_sockets[0].fd, nullptr, nullptr), POLLIN, 0});
+            ++connections;
+        }
+    }
+    // A request is small enough to come in one piece.
+    void Answer(std::size_t i) {
+        char request[4096];
+        const std::string answer = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
+        if (recv(m_sockets[i].fd, request, sizeof request, 0) > 0) {
+            send(m_sockets[i].fd, answer.data(), answer.size(), MSG_NOSIGNAL);
+            return;
+        }
+        close(m_sockets[i].fd);
+        m_sockets.erase(m_sockets.begin() + static_cast<std::ptrdiff_t>(i));
+    }
+
+    std::vector<pollfd> m_sockets;
+    std::atomic<bool> m_stop{false};
+    std::thread m_thread;
+};
+
 }  // namespace
 
 TEST(Curl, Answer_IsGivenWithItsStatus) {
@@ -53,6 +112,17 @@ TEST(Curl, Answer_IsGivenWithItsStatus) {
     EXPECT_EQ(wxString(), curl.GetErrorMessage());
     EXPECT_EQ(0u, server.Request().find("GET /sightings?make=a%20b HTTP/1.1\r\n"));
     EXPECT_NE(std::string::npos, server.Request().find("\r\napi_key: secret\r\n"));
+}
+
+TEST(Curl, SeveralRequests_GoOverOneConnection) {
+    KeepingServer server;
+    CurlClass curl;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(curl.InitCurl());
+        EXPECT_EQ(0, Send(curl, server.url));
+        EXPECT_EQ("ok", curl.GetResponseString());
+    }
+    EXPECT_EQ(1, server.connections);
 }
 
 TEST(Curl, OtherStatus_IsAnAnswerToo) {
