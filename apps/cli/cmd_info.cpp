@@ -66,6 +66,8 @@ void FillInfo(OrvFileId slot, bool extended, Record& record) {
         if (record.rows.at(Sha256Row).value != record.sha256) {
             throw Failure(ExitInput, record.path, "changed while it was examined");
         }
+        // The table takes its digests from the file, when all else that it tells has been read.
+        record.isSha256Confirmed = true;
         return;
     }
     static const VecVecString titles = ImageInfoTable(slot, true).Reset();

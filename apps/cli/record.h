@@ -38,6 +38,8 @@ struct Record {
     std::string path;
     uint64_t bytes = 0;
     std::string sha256;
+    // Whoever filled the record has digested the file once more, behind its last reading of it, and found `sha256`.
+    bool isSha256Confirmed = false;
     std::vector<RecordRow> rows;
     std::vector<RecordRule> rules;
     std::string started;  // UTC, ISO 8601

@@ -191,6 +191,29 @@ TEST_F(Info, FileThatChangesMeanwhile_IsRefused) {
     EXPECT_EQ("orvelle: " + photo + ": changed while it was examined\n", ended.err);
 }
 
+// Neither size nor time tells of it, the digests do.
+TEST_F(Info, BytesThatChangeUnderTheSameTime_AreRefused) {
+    const std::string photo = Photo("a.jpg", 5000, 4000);
+    std::atomic<bool> go{true};
+    std::thread changer([&] {
+        const timespec times[2] = {{1000000000, 0}, {1000000000, 0}};
+        const int descriptor = open(photo.c_str(), O_WRONLY);
+        const off_t end = lseek(descriptor, 0, SEEK_END);
+        for (int count = 0; go; ++count) {
+            if (pwrite(descriptor, &count, sizeof count, end) < 0 || futimens(descriptor, times) != 0) break;
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        close(descriptor);
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const Ended brief = Orvelle({"info", photo});
+    const Ended extended = Orvelle({"info", "--extended", photo});
+    go = false;
+    changer.join();
+    EXPECT_EQ("orvelle: " + photo + ": changed while it was examined\n", brief.err);
+    EXPECT_EQ(brief.err, extended.err);
+}
+
 TEST_F(Info, ExifToolMissing_IsToldForEachFile) {
     const std::string photo = Photo("a.jpg");
     Surroundings surroundings;
