@@ -164,4 +164,24 @@ void PlainDctHistogram(cv::Mat const& picture) {
     sink = counts[1024];
 }
 
+void PlainDimples(cv::Mat const& picture) {
+    cv::Mat differences;
+    cv::Matx13f const second(1.0F, -2.0F, 1.0F);
+    cv::sepFilter2D(GreyOf(picture), differences, CV_32F, second, second);
+    cv::Mat energy;
+    cv::sqrBoxFilter(differences, energy, CV_32F, cv::Size(8, 8));
+    cv::sqrt(energy + 3.0, energy);
+    differences /= energy;
+    double sums[64] = {};
+    double squares[64] = {};
+    for (int y = 0; y < differences.rows; ++y) {
+        for (int x = 0; x < differences.cols; ++x) {
+            double const value = differences.at<float>(y, x);
+            sums[y % 8 * 8 + x % 8] += value;
+            squares[y % 8 * 8 + x % 8] += value * value;
+        }
+    }
+    sink = *std::max_element(sums, sums + 64) + squares[0];
+}
+
 }  // namespace bench

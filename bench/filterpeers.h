@@ -15,5 +15,7 @@ void PlainHistogram(cv::Mat const& picture);
 void PlainGhost(cv::Mat const& picture, int first, int last);
 // Of the first coefficient across, quantised in steps of 3.
 void PlainDctHistogram(cv::Mat const& picture);
+// The means of the 64 places of a block only, of the whole picture in floating point; no pattern is looked for in them.
+void PlainDimples(cv::Mat const& picture);
 
 }  // namespace bench

@@ -24,4 +24,8 @@ Cost MedianRun(const std::vector<std::string>& arguments, int times);
 
 double Median(std::vector<double> values);
 
+// Appends the ratio to the file that the environment variable ORVELLE_RATIOS names; nothing where it names none. So a
+// program that runs several benches gathers their ratios.
+void NoteRatio(const std::string& what, double ratio);
+
 }  // namespace bench

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "bench/process.h"
 #include "orvcore/smscollection.h"
 #include "tests/support/plainsearch.h"
 
@@ -51,6 +52,7 @@ int main() {
         if (found != 2 * kSearched || status < 0) return 1;
     }
     double const ours = Median(classify), theirs = Median(plain);
+    bench::NoteRatio("social platforms: classification to the plain search", ours / theirs);
     std::printf("load the compiled table                 %8.3f ms\n", loading);
     std::printf("classify one picture                    %8.3f ms  (wanted: at most 3)\n", ours);
     std::printf("find its 1000 neighbours, with copies   %8.3f ms\n", Median(search));
