@@ -24,8 +24,10 @@ if(ORVELLE_SANITIZE)
   target_link_options(orv_compile INTERFACE -fsanitize=${ORVELLE_SANITIZE})
 endif()
 if(ORVELLE_COVERAGE)
-  # The counters of the worker thread and of helpers must not lose a step.
-  target_compile_options(orv_compile INTERFACE --coverage -fprofile-update=atomic)
+  # The counters of the worker thread and of helpers must not lose a step. Targets with the property ORV_UNCOUNTED are
+  # tools of the build that would take minutes.
+  set(orv_counted "$<NOT:$<BOOL:$<TARGET_PROPERTY:ORV_UNCOUNTED>>>")
+  target_compile_options(orv_compile INTERFACE "$<${orv_counted}:--coverage;-fprofile-update=atomic>")
   target_compile_definitions(orv_compile INTERFACE ORVELLE_COVERAGE)
   target_link_options(orv_compile INTERFACE --coverage)
 endif()
