@@ -18,12 +18,14 @@
 #include <thread>
 
 #include "tolbase/file.h"
+#include "tolbase/filebytes.h"
 #include "tolbase/progress.h"
 
 namespace filtercache {
 namespace {
 
 using namespace std::chrono_literals;
+using tolbase::FileDescriptor;
 
 // So long does one program wait for another; it then does without the cache.
 constexpr auto kLockPatience = 3s;
@@ -39,31 +41,6 @@ std::function<bool(Step)>& Hook() {
 bool MayDo(Step step) {
     return !Hook() || Hook()(step);
 }
-
-// A descriptor that closes itself.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : m_number(number) {}
-    ~Descriptor() { Close(); }
-    Descriptor(Descriptor const&) = delete;
-    Descriptor& operator=(Descriptor const&) = delete;
-    bool IsOk() const { return m_number >= 0; }
-    int Get() const { return m_number; }
-    bool Close() {
-        if (m_number < 0) return true;
-        int const number = m_number;
-        m_number = -1;
-        return ::close(number) == 0;
-    }
-    int Release() {
-        int const number = m_number;
-        m_number = -1;
-        return number;
-    }
-
-private:
-    int m_number;
-};
 
 // Names of no two writers are the same, on whatever machines they run.
 std::string RandomName() {
@@ -166,7 +143,7 @@ bool WriteWholeFile(wxString const& path, std::string const& bytes, Sync sync) {
     size_t const slash = target.rfind('/');
     if (slash == std::string::npos || !MayDo(Step::Create)) return false;
     std::string temporary;
-    Descriptor file(CreateUnique(target.substr(0, slash), ".cache-", temporary));
+    FileDescriptor file(CreateUnique(target.substr(0, slash), ".cache-", temporary));
     if (!file.IsOk()) return false;
     bool good = WriteBytes(file.Get(), bytes.data(), bytes.size());
     if (good && sync == Sync::Yes) good = MayDo(Step::Sync) && ::fsync(file.Get()) == 0;
@@ -193,7 +170,7 @@ bool IsLink(wxString const& path) {
 }
 
 bool IsWholePicture(wxString const& path) {
-    Descriptor const file(::open(PathToBytes(path).c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    FileDescriptor const file(::open(PathToBytes(path).c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     struct stat info {};
     if (!file.IsOk() || ::fstat(file.Get(), &info) != 0 || !S_ISREG(info.st_mode)) return false;
     if (path.EndsWith(".png")) return IsWholePng(file.Get(), info.st_size);
@@ -207,7 +184,7 @@ int CreateCopyFile(std::string const& folder, std::string& path) {
 
 // True when there is no use in trying again: the lock is held, or can't be.
 bool FolderLock::TryLock(std::string const& path, int operation) {
-    Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+    FileDescriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
     if (!folder.IsOk()) return true;
     // A file system without locks leaves us with what renaming gives.
     if (::flock(folder.Get(), operation | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EINTR)) return false;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A file descriptor that closes itself, and whole reads and writes on it. Private to this library.
+// A file descriptor that closes itself, and whole reads and writes on it. Private to the engine's libraries.
 #pragma once
 #include <fcntl.h>
 #include <unistd.h>
@@ -24,6 +24,8 @@ public:
     int Get() const { return m_descriptor; }
     // False if something that was written did not get through.
     bool Close() { return m_descriptor < 0 || close(std::exchange(m_descriptor, -1)) == 0; }
+    // The caller closes it.
+    int Release() { return std::exchange(m_descriptor, -1); }
 
 private:
     int m_descriptor;

@@ -4,6 +4,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "apps/cli/failure.h"
+
 namespace cli {
 
 namespace {
@@ -73,6 +75,16 @@ CLI::Option* AddChoice(CLI::App& app, std::string const& name, std::string& valu
         return "\"" + given + "\" is none of: " + takes;
     };
     return AddText(app, name, value, help)->type_name(list)->check(CLI::Validator(check, ""));
+}
+
+size_t RowOfNumber(std::string const& text, size_t count) {
+    const bool digits = !text.empty() && text.size() < 10 &&
+                        std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    const size_t number = digits ? std::stoul(text) : 0;
+    if (number == 0 || number > count) {
+        throw Failure(ExitUsage, "NUMBER", "no signature " + text + ": the database has " + std::to_string(count));
+    }
+    return number - 1;
 }
 
 }  // namespace cli

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <CLI/App.hpp>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -22,5 +23,9 @@ CLI::Option* AddEach(CLI::App& app, std::string const& name, std::vector<std::st
 // An option that takes one of the words.
 CLI::Option* AddChoice(CLI::App& app, std::string const& name, std::string& value,
                        std::vector<std::string> const& words, std::string const& help);
+
+// The place of a row of a user's database, from 0, that `text` names by its number from 1. Throws Failure where it
+// names none of the `count` rows.
+size_t RowOfNumber(std::string const& text, size_t count);
 
 }  // namespace cli

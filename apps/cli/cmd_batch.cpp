@@ -133,15 +133,13 @@ private:
         return Finish(outcome);
     }
 
-    // The folder of the results, and the manifest's path as the person would write it.
+    // The folder of the results, and the manifest's path as the person would write it; none without a report.
     void PlaceOutput(Environment& environment, std::string& folder, std::string& manifest) {
         const std::string absolute = AbsolutePath(m_output.path);
         if (m_noReport) {
             folder = absolute;
             m_request.mode = BatchMode::Files;
             m_request.report = (std::filesystem::path(absolute) / "results").string();
-            // Results only; the files are hashed all the same, to tell which of them changed meanwhile.
-            manifest = "/dev/null";
             if (Exists(folder) && !std::filesystem::is_directory(folder)) {
                 throw Failure(ExitOutput, m_output.path, "can't be written: not a folder");
             }
@@ -194,7 +192,7 @@ private:
         std::string manifest;
         PlaceOutput(environment, folder, manifest);
         RefuseToReplace(m_request.report, m_output.path);
-        RefuseToReplace(manifest, manifest);
+        if (!manifest.empty()) RefuseToReplace(manifest, manifest);
         const bool own = !m_noReport && IsOwnOutput(manifest, m_request.report, m_request.files);
         const bool mayReplace = m_output.force || own;
         // A manifest without its report is what a killed run leaves.

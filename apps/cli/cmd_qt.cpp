@@ -217,9 +217,6 @@ private:
     }
 
     ExitCode Remove(Environment& environment) {
-        const bool digits = !m_number.empty() && m_number.size() < 10 &&
-                            std::all_of(m_number.begin(), m_number.end(), [](char c) { return c >= '0' && c <= '9'; });
-        const size_t number = digits ? std::stoul(m_number) : 0;
         Session session(environment);
         UserQtFile file(PathToBytes(session.Context().GetUserQtDatabaseFilename()));
         // The numbers are the engine's. Should it count otherwise, nothing is removed on a guess.
@@ -227,11 +224,7 @@ private:
             throw Failure(ExitInput, PathToBytes(session.Context().GetUserQtDatabaseFilename()),
                           "has lines that can't be told apart; nothing was removed");
         }
-        if (number == 0 || number > file.Count()) {
-            throw Failure(ExitUsage, "NUMBER",
-                          "no signature " + m_number + ": the database has " + std::to_string(file.Count()));
-        }
-        file.Remove(number - 1);
+        file.Remove(RowOfNumber(m_number, file.Count()));
         file.Save();
         return ExitDone;
     }

@@ -2,7 +2,6 @@
 // orvelle sms: the signatures of social platforms, the compiled ones and the user's own.
 #include <wx/datetime.h>
 
-#include <algorithm>
 
 #include "apps/cli/arguments.h"
 #include "apps/cli/clicontext.h"
@@ -182,16 +181,9 @@ private:
     }
 
     ExitCode Remove(Environment& environment) {
-        const bool digits = !m_number.empty() && m_number.size() < 10 &&
-                            std::all_of(m_number.begin(), m_number.end(), [](char c) { return c >= '0' && c <= '9'; });
-        const size_t number = digits ? std::stoul(m_number) : 0;
         Session session(environment);
         UserSignatures file(FileOf(session), false);
-        if (number == 0 || number > file.List().size()) {
-            throw Failure(ExitUsage, "NUMBER",
-                          "no signature " + m_number + ": the database has " + std::to_string(file.List().size()));
-        }
-        file.Remove(number - 1);
+        file.Remove(RowOfNumber(m_number, file.List().size()));
         file.Save();
         return ExitDone;
     }

@@ -132,14 +132,14 @@ Json SettingsJson() {
     return settings;
 }
 
-ManifestWriter::ManifestWriter(std::string path, bool force, Json const& command)
-    : m_folder(FolderOf(path)), m_output(std::move(path), force) {
+ManifestWriter::ManifestWriter(std::string path, bool force, Json const& command) : m_folder(FolderOf(path)) {
+    if (!path.empty()) m_output.emplace(std::move(path), force);
     Json head = {{"schema", Schema}, {"tool", ToolJson()}, {"started", Now()}};
     head["command"] = command;
     head["settings"] = SettingsJson();
     std::string text = JsonText(head, true);
     text.pop_back();
-    m_output.Write(text + ",\n\"outputs\": [");
+    Write(text + ",\n\"outputs\": [");
 }
 
 void ManifestWriter::AddInput(std::string const& path) {
@@ -149,25 +149,25 @@ void ManifestWriter::AddInput(std::string const& path) {
 void ManifestWriter::AddOutput(std::string const& path, std::string const& readable) {
     const FileHash hash = HashFile(readable);
     if (!hash.found) return;
-    m_output.Write(std::string(m_hasOutputs ? ",\n" : "\n") + JsonText(FileJson(Relative(path, m_folder), hash), true));
+    Write(std::string(m_hasOutputs ? ",\n" : "\n") + JsonText(FileJson(Relative(path, m_folder), hash), true));
     m_hasOutputs = true;
 }
 
 std::vector<std::string> ManifestWriter::Finish(bool interrupted) {
     std::vector<std::string> changed;
-    m_output.Write("\n],\n\"inputs\": [");
+    Write("\n],\n\"inputs\": [");
     bool first = true;
     for (auto const& [path, hash] : m_inputs) {
         Json value = FileJson(path, hash);
         const FileHash now = HashFile(path);
         value["changed"] = now != hash;
         if (now != hash) changed.push_back(path);
-        m_output.Write(std::string(first ? "\n" : ",\n") + JsonText(value, true));
+        Write(std::string(first ? "\n" : ",\n") + JsonText(value, true));
         first = false;
     }
-    m_output.Write(std::string("\n],\n\"interrupted\": ") + (interrupted ? "true" : "false") + ",\n\"finished\": \"" +
-                   Now() + "\"}\n");
-    m_output.Commit();
+    Write(std::string("\n],\n\"interrupted\": ") + (interrupted ? "true" : "false") + ",\n\"finished\": \"" + Now() +
+          "\"}\n");
+    if (m_output) m_output->Commit();
     return changed;
 }
 

@@ -2,6 +2,7 @@
 // The manifest of a run: what was examined, with what, and what came of it, each file with its SHA-256.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,7 +19,8 @@ Json SettingsJson();
 // Written as it comes, so that memory does not grow with the number of results. One thread at a time.
 class ManifestWriter {
 public:
-    // Throws Failure (ExitOutput) as Output does.
+    // Throws Failure (ExitOutput) as Output does. Without a path nothing is written; the examined files are hashed all
+    // the same.
     ManifestWriter(std::string path, bool force, Json const& command);
 
     // A file that is examined, hashed now. `path` is absolute.
@@ -32,8 +34,12 @@ public:
     std::vector<std::string> Finish(bool interrupted);
 
 private:
+    void Write(std::string const& text) {
+        if (m_output) m_output->Write(text);
+    }
+
     std::string m_folder;
-    Output m_output;
+    std::optional<Output> m_output;
     std::vector<std::pair<std::string, FileHash>> m_inputs;
     bool m_hasOutputs = false;
 };

@@ -2,10 +2,13 @@
 #include "apps/cli/program.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdint>
+#include <fstream>
 #include <map>
 #include <memory>
 #include <string>
@@ -104,6 +107,25 @@ void OccupyStandardDescriptors() {
     }
 }
 
+// wxWidgets ends without a word where not even a small text finds room, so a limit that leaves the work less than this
+// beside the program and its libraries is told at the start.
+constexpr uint64_t LeastRoom = 128;
+
+void RequireRoom() {
+    constexpr uint64_t Mebi = 1 << 20;
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return;
+    // The whole address space in pages stands first.
+    std::ifstream file("/proc/self/statm");
+    uint64_t pages = 0;
+    if (!(file >> pages)) return;
+    const uint64_t used = pages * static_cast<uint64_t>(sysconf(_SC_PAGESIZE));
+    if (limit.rlim_cur >= used + LeastRoom * Mebi) return;
+    throw Failure(ExitInternal, "not enough memory",
+                  "the limit leaves " + std::to_string((std::max<uint64_t>(limit.rlim_cur, used) - used) / Mebi) +
+                      " MiB of address space, and " + std::to_string(LeastRoom) + " are needed");
+}
+
 ExitCode Parse(Arguments& arguments, Terminal& terminal, int argc, char const* const* argv, bool& goOn) {
     goOn = false;
     try {
@@ -129,6 +151,7 @@ ExitCode Work(Environment& environment, int argc, char const* const* argv) {
         Print(arguments.HelpText());
         return ExitDone;
     }
+    RequireRoom();
     const Application application(environment.terminal);
     return arguments.Chosen().Run(environment);
 }

@@ -62,8 +62,9 @@ constexpr milliseconds SignalPoll{50};
 constexpr size_t OptionCacheLocation = 4;
 constexpr size_t OptionCustomCacheFolder = 5;
 constexpr int CacheLocationCustom = 2;
-// No folder can be made beneath a device; the engine bears a cache that can't be written.
-constexpr char const* NowhereFolder = "/dev/null/cache";
+// No folder can be made beneath a file, and nobody, not even root, can take this one away; the engine bears a cache
+// that can't be written.
+constexpr char const* NowhereFolder = "/proc/self/exe/cache";
 
 class QuietProgress : public OrvProgressHandler {
 public:

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Forms of results, and files that they are written to.
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -84,11 +86,17 @@ TEST_F(OutputFile, NeverReplacesAnExaminedFile) {
     EXPECT_TRUE(std::filesystem::is_symlink(Folder() + "/link.jpg"));
 }
 
-TEST_F(OutputFile, Device_IsWrittenAsItStands) {
-    EXPECT_EQ(0, Orvelle({"info", Photo("a.jpg"), "-o", "/dev/null"}).status);
-    struct stat status = {};
-    ASSERT_EQ(0, stat("/dev/null", &status));
-    EXPECT_TRUE(S_ISCHR(status.st_mode));
+TEST_F(OutputFile, Pipe_IsWrittenAsItStands) {
+    const std::string pipe = Folder() + "/pipe";
+    ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+    const int reader = open(pipe.c_str(), O_RDWR | O_NONBLOCK);
+    ASSERT_LE(0, reader);
+    EXPECT_EQ(0, Orvelle({"info", Photo("a.jpg"), "-o", pipe, "--format", "json"}).status);
+    EXPECT_TRUE(std::filesystem::is_fifo(pipe));
+    char first = 0;
+    EXPECT_EQ(1, read(reader, &first, 1));
+    EXPECT_EQ('[', first);
+    close(reader);
 }
 
 TEST_F(OutputFile, AllFilesFailing_StillGivesAValidResult) {

@@ -2,14 +2,12 @@
 // Pictures for the tests of the commands on tables: kinds of JPEG that the plain encoder of tests/support does not
 // make.
 #pragma once
+#include <algorithm>
 #include <cstddef>
-#include <cstdio>
-// jpeglib.h needs the two above.
-#include <jpeglib.h>
-
-#include <cstdlib>
 #include <string>
 #include <vector>
+
+#include "tests/support/jpegencoding.h"
 
 namespace clitest {
 
@@ -34,31 +32,20 @@ inline std::string EncodeKind(JpegKind const& kind, std::vector<unsigned char> p
             pixels[i] = static_cast<unsigned char>(i % stride / components * 2 + i / stride + 30 * (i % components));
         }
     }
-    jpeg_compress_struct info;
-    jpeg_error_mgr errors;
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&info);
-    unsigned char* bytes = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&info, &bytes, &size);
-    info.image_width = static_cast<JDIMENSION>(kind.width);
-    info.image_height = static_cast<JDIMENSION>(kind.height);
-    info.input_components = kind.components;
-    info.in_color_space = kind.components == 1 ? JCS_GRAYSCALE : kind.components == 4 ? JCS_CMYK : JCS_RGB;
-    jpeg_set_defaults(&info);
-    jpeg_set_quality(&info, kind.quality, kind.wideTables ? FALSE : TRUE);
-    info.restart_in_rows = kind.restartRows;
-    if (kind.progressive) jpeg_simple_progression(&info);
-    jpeg_start_compress(&info, TRUE);
-    while (info.next_scanline < info.image_height) {
-        JSAMPROW line = pixels.data() + info.next_scanline * stride;
-        jpeg_write_scanlines(&info, &line, 1);
-    }
-    jpeg_finish_compress(&info);
-    jpeg_destroy_compress(&info);
-    const std::string result(reinterpret_cast<char const*>(bytes), size);
-    std::free(bytes);
-    return result;
+    support::JpegScanlines picture;
+    picture.width = kind.width;
+    picture.height = kind.height;
+    picture.components = kind.components;
+    picture.space = kind.components == 1 ? JCS_GRAYSCALE : kind.components == 4 ? JCS_CMYK : JCS_RGB;
+    picture.settings = [&kind](jpeg_compress_struct& info) {
+        jpeg_set_quality(&info, kind.quality, kind.wideTables ? FALSE : TRUE);
+        info.restart_in_rows = kind.restartRows;
+        if (kind.progressive) jpeg_simple_progression(&info);
+    };
+    picture.fill = [&](std::vector<unsigned char>& row, unsigned y) {
+        std::copy_n(pixels.begin() + static_cast<std::ptrdiff_t>(y * stride), stride, row.begin());
+    };
+    return support::EncodeScanlines(picture);
 }
 
 // What a messenger makes of a photograph: half as wide and high, encoded anew, without metadata.

@@ -9,6 +9,7 @@
 #include "orvcore/filterimage.h"
 #include "orvcore/filtertext.h"
 #include "tests/support/engine.h"
+#include "tests/support/jpegencoding.h"
 #include "tolbase/file.h"
 #include "tolimage/imageio.h"
 
@@ -16,31 +17,15 @@ namespace support {
 
 // A JPEG stream of four components, with an Adobe marker, as print programs write it.
 inline std::string EncodeCmykJpeg(int width, int height) {
-    jpeg_compress_struct info;
-    jpeg_error_mgr errors;
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&info);
-    unsigned char* bytes = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&info, &bytes, &size);
-    info.image_width = static_cast<JDIMENSION>(width);
-    info.image_height = static_cast<JDIMENSION>(height);
-    info.input_components = 4;
-    info.in_color_space = JCS_CMYK;
-    jpeg_set_defaults(&info);
-    jpeg_start_compress(&info, TRUE);
-    std::vector<unsigned char> row(static_cast<std::size_t>(width) * 4);
-    while (info.next_scanline < info.image_height) {
-        for (std::size_t i = 0; i < row.size(); ++i)
-            row[i] = static_cast<unsigned char>(i * 5 + info.next_scanline * 3);
-        JSAMPROW line = row.data();
-        jpeg_write_scanlines(&info, &line, 1);
-    }
-    jpeg_finish_compress(&info);
-    jpeg_destroy_compress(&info);
-    std::string const result(reinterpret_cast<char const*>(bytes), size);
-    std::free(bytes);
-    return result;
+    JpegScanlines picture;
+    picture.width = width;
+    picture.height = height;
+    picture.components = 4;
+    picture.space = JCS_CMYK;
+    picture.fill = [](std::vector<unsigned char>& row, unsigned y) {
+        for (std::size_t i = 0; i < row.size(); ++i) row[i] = static_cast<unsigned char>(i * 5 + y * 3);
+    };
+    return EncodeScanlines(picture);
 }
 
 // A picture of this depth and number of channels whose values change from pixel to pixel.

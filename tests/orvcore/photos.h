@@ -4,14 +4,10 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-// jpeglib.h needs the three above.
-#include <jpeglib.h>
-
-#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "tests/support/jpegencoding.h"
 #include "tests/support/photo.h"
 #include "tools/sample/exifwriter.h"
 
@@ -25,34 +21,18 @@ struct JpegForm {
 };
 
 inline std::string EncodeForm(JpegForm const& form) {
-    jpeg_compress_struct info;
-    jpeg_error_mgr errors;
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&info);
-    unsigned char* bytes = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&info, &bytes, &size);
-    info.image_width = static_cast<JDIMENSION>(form.width);
-    info.image_height = static_cast<JDIMENSION>(form.height);
-    info.input_components = 3;
-    info.in_color_space = JCS_RGB;
-    jpeg_set_defaults(&info);
-    jpeg_set_quality(&info, 90, TRUE);
-    info.optimize_coding = form.optimisedTables ? TRUE : FALSE;
-    if (!form.subsampled) info.comp_info[0].h_samp_factor = info.comp_info[0].v_samp_factor = 1;
-    jpeg_start_compress(&info, TRUE);
-    std::vector<unsigned char> row(static_cast<std::size_t>(form.width) * 3);
-    while (info.next_scanline < info.image_height) {
-        for (std::size_t i = 0; i < row.size(); ++i)
-            row[i] = static_cast<unsigned char>(i / 9 + info.next_scanline / 2);
-        JSAMPROW line = row.data();
-        jpeg_write_scanlines(&info, &line, 1);
-    }
-    jpeg_finish_compress(&info);
-    jpeg_destroy_compress(&info);
-    std::string const result(reinterpret_cast<char const*>(bytes), size);
-    std::free(bytes);
-    return result;
+    JpegScanlines picture;
+    picture.width = form.width;
+    picture.height = form.height;
+    picture.settings = [&form](jpeg_compress_struct& info) {
+        jpeg_set_quality(&info, 90, TRUE);
+        info.optimize_coding = form.optimisedTables ? TRUE : FALSE;
+        if (!form.subsampled) info.comp_info[0].h_samp_factor = info.comp_info[0].v_samp_factor = 1;
+    };
+    picture.fill = [](std::vector<unsigned char>& row, unsigned y) {
+        for (std::size_t i = 0; i < row.size(); ++i) row[i] = static_cast<unsigned char>(i / 9 + y / 2);
+    };
+    return EncodeScanlines(picture);
 }
 
 // EXIF data of a camera; empty texts are left out.

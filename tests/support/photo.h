@@ -2,49 +2,28 @@
 // Small photographs made by code: JPEG streams, and EXIF data for them with a camera and a thumbnail.
 #pragma once
 #include <cstddef>
-#include <cstdio>
-// jpeglib.h needs the two above.
-#include <jpeglib.h>
-
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
+
+#include "tests/support/jpegencoding.h"
 
 namespace support {
 
 // A JPEG stream with smooth colours that depend on `seed`, three components, 4:2:0.
 inline std::string EncodeJpeg(int width, int height, int quality = 90, unsigned seed = 1) {
-    jpeg_compress_struct info;
-    jpeg_error_mgr errors;
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&info);
-    unsigned char* bytes = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&info, &bytes, &size);
-    info.image_width = static_cast<JDIMENSION>(width);
-    info.image_height = static_cast<JDIMENSION>(height);
-    info.input_components = 3;
-    info.in_color_space = JCS_RGB;
-    jpeg_set_defaults(&info);
-    jpeg_set_quality(&info, quality, TRUE);
-    jpeg_start_compress(&info, TRUE);
-    std::vector<unsigned char> row(static_cast<std::size_t>(width) * 3);
-    while (info.next_scanline < info.image_height) {
-        unsigned const y = info.next_scanline;
-        for (unsigned x = 0; x < info.image_width; ++x) {
+    JpegScanlines picture;
+    picture.width = width;
+    picture.height = height;
+    picture.settings = [quality](jpeg_compress_struct& info) { jpeg_set_quality(&info, quality, TRUE); };
+    picture.fill = [seed](std::vector<unsigned char>& row, unsigned y) {
+        for (unsigned x = 0; x < row.size() / 3; ++x) {
             row[3 * x] = static_cast<unsigned char>(x * 3 + seed * 40);
             row[3 * x + 1] = static_cast<unsigned char>(y * 2 + seed * 7);
             row[3 * x + 2] = static_cast<unsigned char>((x + y) / 2);
         }
-        JSAMPROW line = row.data();
-        jpeg_write_scanlines(&info, &line, 1);
-    }
-    jpeg_finish_compress(&info);
-    jpeg_destroy_compress(&info);
-    std::string const result(reinterpret_cast<char const*>(bytes), size);
-    std::free(bytes);
-    return result;
+    };
+    return EncodeScanlines(picture);
 }
 
 // Builds a little-endian EXIF block piece by piece.

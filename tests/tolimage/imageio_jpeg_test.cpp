@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
-
-#include <jpeglib.h>
-
+#include "tests/support/jpegencoding.h"
 #include "tests/tolimage/pictures.h"
 #include "tolbase/limits.h"
 
@@ -15,30 +11,19 @@ namespace {
 
 // A CMYK JPEG of one colour; with Adobe's marker the file holds the complements.
 std::string CmykJpeg(bool adobe, JSAMPLE cyan, JSAMPLE magenta, JSAMPLE yellow, JSAMPLE black) {
-    jpeg_compress_struct info{};
-    jpeg_error_mgr errors{};
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&info);
-    unsigned char* data = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&info, &data, &size);
-    info.image_width = 16;
-    info.image_height = 16;
-    info.input_components = 4;
-    info.in_color_space = JCS_CMYK;
-    jpeg_set_defaults(&info);
-    jpeg_set_quality(&info, 100, TRUE);
-    info.write_Adobe_marker = adobe ? TRUE : FALSE;
-    jpeg_start_compress(&info, TRUE);
-    std::string line;
-    for (int i = 0; i < 16; ++i) line += Bytes({cyan, magenta, yellow, black});
-    auto* row = reinterpret_cast<JSAMPROW>(line.data());
-    while (info.next_scanline < 16) jpeg_write_scanlines(&info, &row, 1);
-    jpeg_finish_compress(&info);
-    jpeg_destroy_compress(&info);
-    std::string result(reinterpret_cast<char*>(data), size);
-    std::free(data);
-    return result;
+    support::JpegScanlines picture;
+    picture.width = picture.height = 16;
+    picture.components = 4;
+    picture.space = JCS_CMYK;
+    picture.settings = [adobe](jpeg_compress_struct& info) {
+        jpeg_set_quality(&info, 100, TRUE);
+        info.write_Adobe_marker = adobe ? TRUE : FALSE;
+    };
+    picture.fill = [&](std::vector<unsigned char>& row, unsigned) {
+        JSAMPLE const colour[] = {cyan, magenta, yellow, black};
+        for (std::size_t i = 0; i < row.size(); ++i) row[i] = colour[i % 4];
+    };
+    return support::EncodeScanlines(picture);
 }
 
 class JpegLoading : public ::testing::Test {
