@@ -120,6 +120,29 @@ TEST_F(BatchAbort, InTheMiddle_WritesWhatWasDoneAndRestores) {
     EXPECT_EQ(Status::Ok, filter->GetStatus(Evidence));
 }
 
+TEST_F(BatchAbort, InTheMiddle_RestoresBothSlotsAndTheActiveFilter) {
+    SavingFilter* filter = AddFilter("Alpha", {CreateParameterOption("Mode", "", {"A", "B", "C"}, 0)});
+    AddFilter("Beta");
+    context->SetActiveFilter(filter);
+    const wxString evidence = Jpeg("e.jpg");
+    const wxString reference = Jpeg("r.jpg", 32, 32);
+    Load(evidence);
+    Load(reference, Reference);
+    Run([&] { iface->Configure(filter, 1, VecParameter(), VecParameter(), false); });
+    filter->onPreApply = [&] {
+        if (context->GetFilename(Evidence).EndsWith("b.jpg")) tcvAbortAllProgress();
+    };
+    Process(Listed({Jpeg("a.jpg"), Jpeg("b.jpg")}, 2, out + "/r.tsv"));
+    EXPECT_TRUE(monitor.aborted);
+    EXPECT_TRUE(ReadFile(out + "/r.tsv").Contains("a.jpg\tAlpha\tC\tOk\t"));
+    EXPECT_EQ(evidence, context->GetFilename(Evidence));
+    EXPECT_EQ(reference, context->GetFilename(Reference));
+    EXPECT_EQ(32, context->GetImage(Reference).Width());
+    EXPECT_EQ(filter, context->GetActiveFilter());
+    EXPECT_EQ(1, filter->GetParametersInput()[0].GetValue<int>());
+    EXPECT_EQ(1, filter->GetActiveConfiguration());
+}
+
 TEST_F(BatchAbort, Html_TellsWhatWasNotExamined) {
     SavingFilter* filter = AddFilter("Alpha");
     filter->onPreApply = [] { tcvAbortAllProgress(); };

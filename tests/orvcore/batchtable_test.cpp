@@ -26,6 +26,14 @@ protected:
         facts.thumbnail = support::EncodeJpeg(160, 120);
         return support::WriteBytes(dir / ("in/" + name), support::MakePhoto(form, facts));
     }
+    // A photograph taken at a time of day, with Huffman tables made for it if that is wanted.
+    wxString PhotoAt(wxString const& name, std::string const& time, bool optimised = false) {
+        JpegForm form;
+        form.optimisedTables = optimised;
+        CameraFacts facts;
+        facts.originalDate = "2021:05:06 " + time;
+        return support::WriteBytes(dir / ("in/" + name), support::MakePhoto(form, facts));
+    }
     VecVecString Batch(VecString const& files, wxString const& clean = "", wxString const& flagged = "") {
         VecVecString table;
         OnWorker([&] { table = batch.Evaluate(files, clean, flagged); });
@@ -104,6 +112,19 @@ TEST_F(BatchTables, MarkersAndCounts_AgreeWithTheTableOfTheFile) {
     EXPECT_EQ("!801x600", Cell(table, 1, "Image Encoded Size"));
 }
 
+TEST_F(BatchTables, OneHardAndThreeSoftWarnings_AreCountedApart) {
+    const wxString file = support::WriteBytes(dir / "in/a.jpg", support::MakePhoto(JpegForm(), CameraFacts()));
+    const VecVecString table = Batch({file});
+    EXPECT_EQ("!1", table.at(1)[0]);
+    EXPECT_EQ("1", Cell(table, 1, "Warnings (hard)")) << FormatTable(table);
+    EXPECT_EQ("3", Cell(table, 1, "Warnings (soft)")) << FormatTable(table);
+    EXPECT_EQ("!0x0", Cell(table, 1, "Thumbnail Size"));
+    EXPECT_EQ("?800x600", Cell(table, 1, "Image Encoded Size"));
+    EXPECT_TRUE(Cell(table, 1, "JPEG QT Hash").StartsWith("?"));
+    EXPECT_TRUE(Cell(table, 1, "File Size").StartsWith("?"));
+    EXPECT_EQ("a.jpg", Cell(table, 1, "Filename"));
+}
+
 TEST_F(BatchTables, WarningOnAnEmptyValue_ShowsMarkerAndEmpty) {
     const VecVecString table = Batch({support::WriteBytes(dir / "in/b.bmp", support::PlainBmp())});
     EXPECT_EQ("!- empty -", Cell(table, 1, "Exif Make"));
@@ -160,6 +181,7 @@ TEST_F(BatchTables, MovedEvidence_LeavesItsSlotEmpty) {
     const wxString odd = Photo("odd.jpg", true);
     Load(odd);
     Batch({odd}, "", dir / "flagged");
+    EXPECT_FALSE(Exists(odd));
     EXPECT_FALSE(context->HasFile(Evidence));
     EXPECT_FALSE(context->GetImage(Evidence).IsOk());
 }
@@ -257,6 +279,22 @@ TEST_F(BatchTables, DifferencesAtTheFirstRowsAndFromThirtyOn_DontCount) {
     EXPECT_EQ("0", longer.at(2)[2]);
     EXPECT_NE(Cell(longer, 1, "MD5"), Cell(longer, 2, "MD5"));
     EXPECT_FALSE(Cell(longer, 2, "MD5").StartsWith("!"));
+}
+
+TEST_F(BatchTables, RowsOneAndThirty_AreBesideTheComparedOnes) {
+    Load(PhotoAt("a.jpg", "10:20:30"));
+    const wxString later = PhotoAt("b.jpg", "11:20:30");
+    const VecVecString table = Compare({later, PhotoAt("c.jpg", "10:20:30", true)});
+    ASSERT_EQ(4U, table.size());
+    EXPECT_EQ("Full Path", table[0].at(3 + 1));
+    EXPECT_EQ("Exif DateTimeOriginal", table[0].at(3 + 30));
+    EXPECT_EQ("0", table[2][2]) << FormatTable(table);
+    EXPECT_EQ(later, table[2].at(3 + 1));
+    EXPECT_EQ("2021:05:06 10:20:30", table[1].at(3 + 30));
+    EXPECT_EQ("2021:05:06 11:20:30", table[2].at(3 + 30));
+    EXPECT_EQ("JPEG HT is standard IJG", table[0].at(3 + 29));
+    EXPECT_EQ("1", table[3][2]) << FormatTable(table);
+    EXPECT_EQ("!false", table[3].at(3 + 29));
 }
 
 TEST_F(BatchTables, ComparisonOfNothing_HasHeaderAndStandard) {

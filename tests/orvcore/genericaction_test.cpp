@@ -85,6 +85,17 @@ TEST_F(Actions, NumbersThatAreNone_PostNothing) {
     EXPECT_TRUE(recorder.events.empty());
 }
 
+TEST_F(Actions, NumberTwelve_LeavesTheWorkerWaitingForItsAnswer) {
+    OrvWorkerThread* worker = context->GetOrvThread();
+    const std::uint64_t done = worker->GetCommandsDone();
+    iface->CallGenericAction(static_cast<OrvActionId>(12), "t", VecParameter());
+    EXPECT_FALSE(worker->WaitForCommandsDone(done + 1, 300)) << "nothing has answered";
+    iface->PostResponse();
+    EXPECT_TRUE(worker->WaitForCommandsDone(done + 1, 60000));
+    recorder.Pump();
+    EXPECT_TRUE(recorder.events.empty());
+}
+
 TEST_F(Actions, SightingsThatCantBeAsked_GiveTheMessageAndNoRows) {
     CloseTheWeb();
     const OrvCommandEvent event = Call(
@@ -156,6 +167,7 @@ TEST_F(Actions, CoordinatesOfHalfAPosition_AreNone) {
         EXPECT_EQ("No GPS coordinates available.", event.GetMessage());
         EXPECT_TRUE(event.GetParams().empty());
     }
+    EXPECT_EQ("48.5", context->GetImageDetails(Evidence).GpsLatitude);
 }
 
 TEST_F(Actions, BatchTableOfNamedFiles_TakesJustThese) {
@@ -174,6 +186,15 @@ TEST_F(Actions, BatchTableWithAMissingFile_TakesTheTextAsAFolder) {
     EXPECT_TRUE(TableOf(Call(OrvActionBatchTable, {Text(first + "|" + dir / "in/gone.jpg")})).empty());
     EXPECT_EQ(2U, TableOf(Call(OrvActionBatchTable, {Text(dir / "in")})).size());
     EXPECT_TRUE(TableOf(Call(OrvActionBatchTable)).empty());
+}
+
+TEST_F(Actions, BatchTableOfAFolderWithABarInItsName_TakesWhatTheFolderHolds) {
+    const wxString first = Jpeg("a.jpg");
+    Jpeg("a.jpg|gone/b.jpg");
+    const VecVecString table = TableOf(Call(OrvActionBatchTable, {Text(first + "|gone")}));
+    ASSERT_EQ(2U, table.size());
+    EXPECT_EQ("b.jpg", table[1][2]);
+    EXPECT_EQ(first + "|gone/b.jpg", table[1][3]);
 }
 
 TEST_F(Actions, SubfolderOption_DecidesHowDeepAFolderIsSearched) {

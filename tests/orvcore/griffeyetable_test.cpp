@@ -117,6 +117,7 @@ TEST_F(PluginTable, FileWithoutWarnings_IsClean) {
     facts.thumbnail = support::EncodeJpeg(160, 120);
     const wxString path = support::WriteBytes(dir / "in/a.jpg", support::MakePhoto(support::JpegForm(), facts));
     const ResultRow row = Analyse({path}).results.at(path);
+    EXPECT_EQ("Warnings", row.rows.back().Name);
     EXPECT_EQ("0", row.rows.back().Value) << std::get<2>(MultiReport::Row(row, "")).utf8_str().data();
     EXPECT_TRUE(row.noWarnings);
     EXPECT_TRUE(std::get<0>(MultiReport::Row(row, "")));

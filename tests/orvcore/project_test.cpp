@@ -153,6 +153,12 @@ TEST_F(Project, Status_IsReadByEquivalence) {
     EXPECT_EQ(OrvBookmarkToCheck, ReadOne(R"({"status": "to_check"})").status);
 }
 
+TEST_F(Project, WarningInOtherLetters_IsTwo) {
+    EXPECT_EQ(2, static_cast<int>(ReadOne(R"({"status": "Warning"})").status));
+    EXPECT_EQ(2, static_cast<int>(ReadOne(R"({"status": "wARNING"})").status));
+    EXPECT_EQ(-1, static_cast<int>(ReadOne(R"({"status": "Warnings"})").status));
+}
+
 TEST_F(Project, UnknownStatus_IsMinusOneAndWrittenBackAsRead) {
     EXPECT_EQ(-1, static_cast<int>(ReadOne(R"({"status": "Rejected"})").status));
     project.SaveProject(dir / "q.json");
@@ -231,8 +237,19 @@ TEST_F(Project, ReportOfAnEmptyProject_IsNone) {
     EXPECT_EQ("", project.GenerateReport());
 }
 
+TEST_F(Project, ReportOfASavedProjectWithoutBookmarks_LeavesNoFile) {
+    std::filesystem::create_directories(std::string((dir / "alone").utf8_str()));
+    project.SaveProject(dir / "alone/p.json");
+    EXPECT_EQ("", project.GenerateReport());
+    VecString names;
+    for (auto const& entry : std::filesystem::directory_iterator(std::string((dir / "alone").utf8_str())))
+        names.push_back(wxString::FromUTF8(entry.path().filename().string()));
+    EXPECT_EQ(VecString({"p.json"}), names);
+}
+
 TEST_F(Project, ReportOfAnUnsavedProject_StandsBesideTheFirstEvidence) {
     project.AddBookmark(OrvBookmark("one", dir / "a.jpg", "", filter, filter->Input(), "", OrvBookmarkOk));
+    project.AddBookmark(OrvBookmark("two", dir / "other/b.jpg", "", filter, {}, "", OrvBookmarkOk));
     EXPECT_EQ(dir / "a.html", project.GenerateReport());
     const std::string text = ReadBytes(dir / "a.html");
     EXPECT_NE(std::string::npos, text.find("1. one"));
@@ -259,12 +276,9 @@ TEST_F(Project, ReportPath_IsNeverAnExaminedFile) {
 TEST_F(Project, ReportOfABookmarkWithoutParameters_SaysSo) {
     project.AddBookmark(OrvBookmark("one", dir / "a.jpg", "", filter, {}, "", OrvBookmarkOk));
     const std::string text = ReadBytes(project.GenerateReport());
-    const size_t heading = text.find("Parameters");
+    const size_t heading = text.find("<h3>");
     ASSERT_NE(std::string::npos, heading);
-    const size_t sentence = text.find("This filter has no parameters.");
-    ASSERT_NE(std::string::npos, sentence);
-    EXPECT_LT(heading, sentence);
-    EXPECT_EQ(std::string::npos, text.substr(heading).find("<li"));
+    EXPECT_EQ("<h3>Parameters</h3>\n<em>This filter has no parameters.</em>", text.substr(heading));
 }
 
 TEST_F(Project, ThirdBookmark_HasItsAnchor) {
@@ -272,7 +286,7 @@ TEST_F(Project, ThirdBookmark_HasItsAnchor) {
         project.AddBookmark(OrvBookmark(name, dir / "a.jpg", "", filter, {}, "", OrvBookmarkOk));
     }
     const std::string text = ReadBytes(project.GenerateReport());
-    EXPECT_NE(std::string::npos, text.find("bookmark-3\""));
+    EXPECT_NE(std::string::npos, text.find("<h2 id=\"bookmark-3\">3. three</h2>\n"));
     EXPECT_EQ(std::string::npos, text.find("bookmark-4"));
 }
 

@@ -82,6 +82,19 @@ TEST(GeoSearch, UnitOtherThanZero_IsMiles) {
     EXPECT_EQ("mi", QueryField(flickr.server.Request(), "radius_units"));
 }
 
+TEST(GeoSearch, AccuracyInMiles_IsConvertedOnce) {
+    FakeFlickr flickr;
+    flickr.photos.emplace_back();
+    flickr.photos[0].id = "11";
+    flickr.photos[0].place = "\"latitude\":45.51,\"longitude\":9.26,\"accuracy\":16,";
+    VecParameter params = GeoParameters(5, 1);
+    wxString error;
+    VecVecString const table = SearchGeoTagImage(params, 2, error);
+    ASSERT_EQ(2U, table.size()) << error;
+    EXPECT_EQ("Accuracy in mi", table[0][4]);
+    EXPECT_EQ("0.379966", table[1][4]);
+}
+
 TEST(GeoSearch, Failure_IsAsTheManagerTellsIt) {
     FakeFlickr flickr;
     VecParameter params = GeoParameters(50, 0);
