@@ -48,6 +48,18 @@ protected:
     }
 };
 
+// The JPEG stream with the day on which it was taken, in an XMP packet behind its SOI marker.
+std::string WithXmpDate(std::string const& jpeg) {
+    const std::string payload = std::string("http://ns.adobe.com/xap/1.0/\0", 29) +
+                                "<x:xmpmeta xmlns:x='adobe:ns:meta/'>"
+                                "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+                                "<rdf:Description rdf:about='' xmlns:exif='http://ns.adobe.com/exif/1.0/'"
+                                " exif:DateTimeOriginal='2020-01-02T03:04:05'/></rdf:RDF></x:xmpmeta>";
+    const std::size_t length = payload.size() + 2;
+    return jpeg.substr(0, 2) + "\xFF\xE1" + static_cast<char>(length >> 8) + static_cast<char>(length & 0xFF) +
+           payload + jpeg.substr(2);
+}
+
 // A comparison of two rows whose values the test gives.
 class FixedTable : public OrvInfoTable {
 public:
@@ -86,6 +98,18 @@ TEST_F(Comparison, NoFiles_GiveHeaderAndDefaultRows) {
               comparison.GenerateTable());
 }
 
+TEST_F(Comparison, NoFiles_HideDefaultTextsAndFillNoComparison) {
+    JpegInfoTableComparison jpeg;
+    jpeg.Evaluate(Evidence);
+    const VecVecString rows = jpeg.Evaluate(Reference);
+    ASSERT_EQ(29u, rows.size());
+    EXPECT_EQ((VecString{"1", "Compatible Cameras (Internal)", "", "", ""}), rows[1]);
+    for (size_t i = 1; i < rows.size(); ++i) EXPECT_EQ("", rows[i][4]) << rows[i][1];
+    ImageInfoTableComparison image;
+    EXPECT_EQ((VecString{"5", "Image Encoded Size", "", "", "", "", ""}),
+              Row(image.Evaluate(Evidence), "Image Encoded Size"));
+}
+
 TEST_F(Comparison, EveryKind_HasItsRowsAtOnce) {
     EXPECT_EQ(29u, JpegInfoTableComparison().GenerateTable().size());
     EXPECT_EQ(22u, JpegInfoTableComparison2().GenerateTable().size());
@@ -109,6 +133,16 @@ TEST_F(Comparison, OnlyTheReferenceLoaded_ShowsNoDifference) {
     comparison.Evaluate(Evidence);
     EXPECT_EQ((VecVecString{kHeader, {"1", "First", "", "a", ""}, {"2", "Second", "", "B", ""}}),
               comparison.Evaluate(Reference));
+}
+
+TEST_F(Comparison, JpegOfTheReferenceAlone_ShowsNoDifference) {
+    LoadBytes(EncodeJpeg(64, 48, 80), "r.jpg", Reference);
+    JpegInfoTableComparison comparison;
+    comparison.Evaluate(Evidence);
+    const VecVecString rows = comparison.Evaluate(Reference);
+    EXPECT_EQ((VecString{"5", "Image Quality", "", "80", ""}), rows[5]);
+    EXPECT_EQ((VecString{"8", "Chroma Subsampling", "", "4:2:0", ""}), rows[8]);
+    for (size_t i = 1; i < rows.size(); ++i) EXPECT_EQ("", rows[i][4]) << rows[i][1];
 }
 
 TEST_F(Comparison, Evaluate_ComputesTheNamedSideAlone) {
@@ -220,6 +254,25 @@ TEST_F(Comparison, EvidenceWithoutMetadata_MarksTheReferencesNames) {
     EXPECT_EQ((VecVecString{{"IFD0:Make", "", "A", "!Only in Reference"}}), Ifd0(rows));
 }
 
+TEST_F(Comparison, ReferenceWithoutMetadata_MarksTheEvidencesNames) {
+    LoadTags({{kMake, "A"}, {kModel, "B"}}, Evidence);
+    LoadBytes(support::PlainBmp(), "r.bmp", Reference);
+    for (const bool useDetails : {true, false}) {
+        const VecVecString rows = Exif(useDetails);
+        EXPECT_EQ("1", rows[1][0]);
+        EXPECT_EQ(
+            (VecVecString{{"IFD0:Make", "A", "", "!Only in Evidence"}, {"IFD0:Model", "B", "", "!Only in Evidence"}}),
+            Ifd0(rows));
+    }
+}
+
+TEST_F(Comparison, FilesWithoutMetadata_GiveTheHeaderAlone) {
+    LoadBytes(support::PlainBmp(), "e.bmp", Evidence);
+    LoadBytes(support::PlainBmp(), "r.bmp", Reference);
+    EXPECT_EQ((VecVecString{kHeader}), Exif(true));
+    EXPECT_EQ((VecVecString{kHeader}), Exif(false));
+}
+
 TEST_F(Comparison, ExifTableThatOutlivesItsFile_HasNoMarks) {
     LoadTags({{kMake, "A"}}, Evidence);
     LoadTags({{kMake, "B"}}, Reference);
@@ -259,6 +312,21 @@ TEST_F(Comparison, ImagesOfDifferentSizes_AreHardInSizeAndPlainInFileFacts) {
     EXPECT_EQ("", Row(rows, "Format")[6]);
     EXPECT_EQ("640x480", Row(rows, "Image Encoded Size")[2]);
     EXPECT_EQ("320x240", Row(rows, "Image Encoded Size")[4]);
+}
+
+TEST_F(Comparison, ImagesThatShareNothing_AreHardFromFormatToHuffmanTables) {
+    LoadBytes(WithXmpDate(EncodeJpeg(64, 48)), "e.jpg", Evidence);
+    LoadBytes(support::PlainBmp(), "r.bmp", Reference);
+    ImageInfoTableComparison comparison;
+    comparison.Evaluate(Evidence);
+    const VecVecString rows = comparison.Evaluate(Reference);
+    EXPECT_EQ("Different", Row(rows, "Full Path")[6]);
+    EXPECT_EQ((VecString{"3", "Format", "JPEG", "BMP", "!Different"}),
+              (VecString{rows[3][0], rows[3][1], rows[3][2], rows[3][4], rows[3][6]}));
+    EXPECT_EQ((VecString{"30", "JPEG HT is standard IJG", "true", "", "!Different"}),
+              (VecString{rows[30][0], rows[30][1], rows[30][2], rows[30][4], rows[30][6]}));
+    EXPECT_EQ((VecString{"31", "Exif DateTimeOriginal", "2020:01:02 03:04:05", "", "Different"}),
+              (VecString{rows[31][0], rows[31][1], rows[31][2], rows[31][4], rows[31][6]}));
 }
 
 TEST_F(Comparison, Images_KeepTheWarningsOfBothSides) {

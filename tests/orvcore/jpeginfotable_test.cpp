@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "orvcore/jpegtabletext.h"
 #include "tests/orvcore/catalogue.h"
 #include "tests/orvcore/slotfiles.h"
@@ -28,6 +30,31 @@ char const* const kLuma90 =
     "   5    7   11   13   16   21   23   18\n"
     "  10   13   16   17   21   24   24   20\n"
     "  14   18   19   20   22   20   21   20\n";
+
+// A picture of 64 by 48 pixels of so many components, at quality 90 before `settings`.
+std::string Encode(int components, std::function<void(jpeg_compress_struct&)> const& settings = nullptr) {
+    support::JpegScanlines picture;
+    picture.width = 64;
+    picture.height = 48;
+    picture.components = components;
+    picture.space = components == 1 ? JCS_GRAYSCALE : JCS_RGB;
+    picture.settings = [&settings](jpeg_compress_struct& info) {
+        jpeg_set_quality(&info, 90, TRUE);
+        if (settings) settings(info);
+    };
+    picture.fill = [](std::vector<unsigned char>& row, unsigned y) {
+        for (size_t x = 0; x < row.size(); ++x) row[x] = static_cast<unsigned char>(x + 2 * y);
+    };
+    return support::EncodeScanlines(picture);
+}
+
+// The colours' table is flat and stands under the third index; there is none under the second.
+void UseThirdTable(jpeg_compress_struct& info) {
+    const std::vector<unsigned> sevens(64, 7);
+    jpeg_add_quant_table(&info, 2, sevens.data(), 100, TRUE);
+    info.comp_info[1].quant_tbl_no = 2;
+    info.comp_info[2].quant_tbl_no = 2;
+}
 
 class JpegTables : public support::Slots {
 protected:
@@ -126,6 +153,41 @@ TEST_F(JpegTables, JpegWithoutThumbnail_FillsTheFirstTwelveRows) {
     EXPECT_EQ("   3    4    5    9   20   20   20   20\n", rows[10][1].BeforeFirst('\n') + "\n");
     EXPECT_EQ("", rows[11][1]);
     for (size_t i = 12; i < rows.size(); ++i) EXPECT_EQ("", rows[i][1]) << rows[i][0];
+}
+
+TEST_F(JpegTables, GreyJpeg_HasNoTablesForColours) {
+    LoadBytes(Encode(1), "grey.jpg");
+    const VecVecString rows = Quantisation();
+    EXPECT_EQ("Grayscale", rows[6][1]);
+    EXPECT_EQ("", rows[7][1]);
+    EXPECT_EQ(kLuma90, rows[9][1]);
+    EXPECT_EQ("", rows[10][1]);
+    EXPECT_EQ("", rows[11][1]);
+    const VecString huffman = support::Column(Huffman(), 1);
+    EXPECT_EQ((VecString{kLumaDc, kLumaAc, "", "", "", "", "true"}), VecString(huffman.begin(), huffman.begin() + 7));
+}
+
+TEST_F(JpegTables, TableUnderTheThirdIndex_LeavesTheSecondRowEmpty) {
+    LoadBytes(Encode(3, UseThirdTable), "third.jpg");
+    const VecVecString rows = Quantisation();
+    EXPECT_EQ(kLuma90, rows[9][1]);
+    EXPECT_EQ("", rows[10][1]);
+    wxString sevens;
+    for (int i = 0; i < 8; ++i) sevens += "   7    7    7    7    7    7    7    7\n";
+    EXPECT_EQ(sevens, rows[11][1]);
+}
+
+// Without EXIF data to tell them apart, the first embedded picture counts as the thumbnail.
+TEST_F(JpegTables, OneEmbeddedPicture_FillsTheThumbnailsRowsAlone) {
+    LoadBytes(EncodeJpeg(640, 480, 90) + EncodeJpeg(320, 240, 60), "a.jpg");
+    const VecVecString rows = Quantisation();
+    EXPECT_EQ((VecString{"Thumbnail Image Quality", "60"}), rows[12]);
+    EXPECT_EQ((VecString{"Thumbnail Chroma Subsampling", "4:2:0"}), rows[15]);
+    for (size_t i = 20; i < 28; ++i) EXPECT_EQ("", rows[i][1]) << rows[i][0];
+    const VecVecString huffman = Huffman();
+    EXPECT_EQ(kLumaDc, huffman[7][1]);
+    EXPECT_EQ("true", huffman[13][1]);
+    for (size_t i = 14; i < 21; ++i) EXPECT_EQ("", huffman[i][1]) << huffman[i][0];
 }
 
 TEST_F(JpegTables, EmbeddedPictures_FillTheirOwnRows) {

@@ -170,6 +170,22 @@ TEST(Classifier, TwoThousandPixels_WhatsappIsNoCandidate) {
     EXPECT_EQ(collection.ClassifyFeature(feature, 1, 0.1).similarities[0], highest);
 }
 
+TEST(Classifier, SideAboveThePlatformsLargest_IsNoCandidate) {
+    SMSCollection collection;
+    auto const status = [&collection](int side) {
+        return collection.ClassifyFeature(Feature(side, 900), 1, 0.0).status;
+    };
+    collection.AddEntryToDatabase(Signature("Instagram", Feature(1350, 900), "1"));
+    EXPECT_EQ(status(1350), 0);
+    EXPECT_EQ(status(1351), 1);
+    collection.AddEntryToDatabase(Signature("Whatsapp", Feature(900, 1600), "2"));
+    EXPECT_EQ(status(1600), 0);
+    EXPECT_EQ(status(2000), 1);
+    collection.AddEntryToDatabase(Signature("Facebook", Feature(2048, 900), "3"));
+    EXPECT_EQ(status(2000), 0);
+    EXPECT_EQ(status(6000), 1);
+}
+
 TEST(Classifier, TiedPlatforms_AreBothReportedOnce) {
     SMSCollection collection;
     OpenRanges(collection, 1000);

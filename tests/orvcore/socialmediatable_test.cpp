@@ -133,6 +133,14 @@ TEST_F(SocialTable, LowResolutionBelowSureSimilarity_CarriesTheShortenedNote) {
     EXPECT_EQ(values[6], "False positives are more probable on low resolution image");
 }
 
+TEST_F(SocialTable, ShortenedNote_RunsIntoTheNoteOnTheName) {
+    wxString const path = Jpeg("photo1234567.jpg", 1600, 1200);
+    AddTwitterAt(path, 0.9980, 0.9989);
+    Load(path);
+    EXPECT_EQ(Evaluate()[6],
+              "False positives are more probable on low resolution imageFilename is compatible with Telegram");
+}
+
 TEST_F(SocialTable, LowResolutionAtSureSimilarity_HasNoNote) {
     wxString const path = Jpeg("plain name.jpg", 1600, 1200);
     AddTwitterAt(path, 0.9992, 0.9998);
@@ -147,6 +155,24 @@ TEST_F(SocialTable, OnePixelMore_HasNoNote) {
     Load(path);
     EXPECT_EQ(Evaluate()[0], kYes);
     EXPECT_EQ(Evaluate()[6], "");
+}
+
+TEST_F(SocialTable, OnePixelMoreInHeight_HasNoNote) {
+    wxString const path = Jpeg("plain name.jpg", 1200, 1601);
+    AddTwitterAt(path, 0.9980, 0.9989);
+    Load(path);
+    EXPECT_EQ(Evaluate()[0], kYes);
+    EXPECT_EQ(Evaluate()[6], "");
+}
+
+TEST_F(SocialTable, EmptyReference_HasEmptyValuesBesideAVerdict) {
+    wxString const path = Jpeg("plain name.jpg");
+    SMSCollection collection;
+    for (char const* hash : {"1", "2", "3"}) collection.AddEntryToDatabase(Signature("Twitter", FeatureOf(path), hash));
+    Load(path);
+    EXPECT_EQ(Evaluate(Reference), VecString(7));
+    EXPECT_EQ(Evaluate(Evidence),
+              (VecString{kYes, "Twitter", "1.0000", "Internal database", "file-3", "2020-02-02", ""}));
 }
 
 TEST_F(SocialTable, Comparison_ShowsTheEvidenceBesideAnEmptyReference) {
