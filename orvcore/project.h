@@ -86,13 +86,14 @@ public:
     void LoadProject(const wxString& path);
     // Writes the list to a file, which becomes the project's file.
     void SaveProject(const wxString& path);
-    // The page that GenerateReport writes; empty for a project without bookmarks.
+    // The page that WriteReport writes; empty for a project without bookmarks.
     wxString GetReportText() const;
     // Where it writes it; empty for a project without bookmarks.
     wxString GetReportPath() const;
-    // Writes the list as an HTML page beside the project's file, or beside the first Evidence of an unsaved project,
-    // and returns its path. An empty text, and no file, for a project without bookmarks; an empty text, and an old file
-    // whole, where it can't be written.
+    // Writes the list as an HTML page beside the project's file, or beside the first Evidence of an unsaved project.
+    // False, and an old file whole, where it can't be written; false, and no file, for a project without bookmarks.
+    bool WriteReport() const;
+    // The same, and gives the page's path, whether it could be written or not; empty for a project without bookmarks.
     wxString GenerateReport() const;
 
     // The content of the project's file. The paths are relative to the folder of GetFilename.

@@ -74,7 +74,12 @@ wxString OrvProject::GetReportPath() const {
     return m_bookmarks.empty() ? wxString() : ReportPath(m_filename, m_bookmarks);
 }
 
-wxString OrvProject::GenerateReport() const {
+bool OrvProject::WriteReport() const {
     const wxString path = GetReportPath();
-    return !path.empty() && WriteFile(path, GetReportText()) ? path : wxString();
+    return !path.empty() && WriteFile(path, GetReportText());
+}
+
+wxString OrvProject::GenerateReport() const {
+    WriteReport();
+    return GetReportPath();
 }

@@ -89,7 +89,7 @@ private:
             projects->back()->SaveProject(source);
         }
         const auto save = [projects](bool second) -> std::optional<bool> {
-            return !(*projects)[second ? 1 : 0]->GenerateReport().empty();
+            return (*projects)[second ? 1 : 0]->WriteReport();
         };
         return {"page", projects->front()->GetReportPath(), save, {}};
     }

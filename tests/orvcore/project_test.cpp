@@ -247,6 +247,14 @@ TEST_F(Project, ReportOfASavedProjectWithoutBookmarks_LeavesNoFile) {
     EXPECT_EQ(VecString({"p.json"}), names);
 }
 
+TEST_F(Project, ReportThatCannotBeWritten_IsNamedAllTheSame) {
+    project.SaveProject(dir / "p.json");
+    project.AddBookmark(Sample());
+    std::filesystem::create_directories(std::string((dir / "p.html").utf8_str()));
+    EXPECT_EQ(dir / "p.html", project.GenerateReport());
+    EXPECT_FALSE(project.WriteReport());
+}
+
 TEST_F(Project, ReportOfAnUnsavedProject_StandsBesideTheFirstEvidence) {
     project.AddBookmark(OrvBookmark("one", dir / "a.jpg", "", filter, filter->Input(), "", OrvBookmarkOk));
     project.AddBookmark(OrvBookmark("two", dir / "other/b.jpg", "", filter, {}, "", OrvBookmarkOk));
