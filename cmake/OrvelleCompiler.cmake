@@ -20,7 +20,9 @@ if(ORVELLE_DEVELOPER)
   target_compile_options(orv_compile INTERFACE -Werror)
 endif()
 if(ORVELLE_SANITIZE)
-  target_compile_options(orv_compile INTERFACE -fsanitize=${ORVELLE_SANITIZE} -fno-omit-frame-pointer)
+  # A target with ORVELLE_PLAIN goes without: a generator that would take minutes.
+  target_compile_options(orv_compile INTERFACE
+    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:ORVELLE_PLAIN>>>:-fsanitize=${ORVELLE_SANITIZE}> -fno-omit-frame-pointer)
   target_link_options(orv_compile INTERFACE -fsanitize=${ORVELLE_SANITIZE})
 endif()
 if(ORVELLE_COVERAGE)
