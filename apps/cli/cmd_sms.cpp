@@ -2,7 +2,6 @@
 // orvelle sms: the signatures of social platforms, the compiled ones and the user's own.
 #include <wx/datetime.h>
 
-
 #include "apps/cli/arguments.h"
 #include "apps/cli/clicontext.h"
 #include "apps/cli/command.h"
