@@ -19,17 +19,15 @@ target_include_directories(orv_compile INTERFACE
 if(ORVELLE_DEVELOPER)
   target_compile_options(orv_compile INTERFACE -Werror)
 endif()
+# Tools of the build that would take minutes with a sanitizer or with counters have the property ORV_PLAIN.
+set(orv_watched "$<NOT:$<BOOL:$<TARGET_PROPERTY:ORV_PLAIN>>>")
 if(ORVELLE_SANITIZE)
-  # A target with ORVELLE_PLAIN goes without: a generator that would take minutes.
-  target_compile_options(orv_compile INTERFACE
-    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:ORVELLE_PLAIN>>>:-fsanitize=${ORVELLE_SANITIZE}> -fno-omit-frame-pointer)
+  target_compile_options(orv_compile INTERFACE "$<${orv_watched}:-fsanitize=${ORVELLE_SANITIZE}>" -fno-omit-frame-pointer)
   target_link_options(orv_compile INTERFACE -fsanitize=${ORVELLE_SANITIZE})
 endif()
 if(ORVELLE_COVERAGE)
-  # The counters of the worker thread and of helpers must not lose a step. Targets with the property ORV_UNCOUNTED are
-  # tools of the build that would take minutes.
-  set(orv_counted "$<NOT:$<BOOL:$<TARGET_PROPERTY:ORV_UNCOUNTED>>>")
-  target_compile_options(orv_compile INTERFACE "$<${orv_counted}:--coverage;-fprofile-update=atomic>")
+  # The counters of the worker thread and of helpers must not lose a step.
+  target_compile_options(orv_compile INTERFACE "$<${orv_watched}:--coverage;-fprofile-update=atomic>")
   target_compile_definitions(orv_compile INTERFACE ORVELLE_COVERAGE)
   target_link_options(orv_compile INTERFACE --coverage)
 endif()

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Loading a file into a slot, and the slot's folder in the cache.
-#include <fcntl.h>
-#include <unistd.h>
 #include <wx/filename.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <future>
 #include <optional>
@@ -17,6 +14,7 @@
 #include "orvcore/translate.h"
 #include "tolbase/exception.h"
 #include "tolbase/file.h"
+#include "tolbase/filebytes.h"
 #include "tolbase/hash.h"
 #include "tolbase/progress.h"
 #include "tolimage/exiftool.h"
@@ -24,6 +22,8 @@
 #include "tolimage/subimages.h"
 
 namespace {
+
+using tolbase::FileDescriptor;
 
 constexpr size_t kCacheNameLength = 32;
 constexpr size_t kCameraNameLength = 16;
@@ -67,48 +67,15 @@ private:
     std::future<wxString> m_future;
 };
 
-// A descriptor that closes itself.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : m_number(number) {}
-    ~Descriptor() {
-        if (m_number >= 0) ::close(m_number);
-    }
-    Descriptor(Descriptor const&) = delete;
-    Descriptor& operator=(Descriptor const&) = delete;
-    int Get() const { return m_number; }
-    bool Close() {
-        int const number = m_number;
-        m_number = -1;
-        return ::close(number) == 0;
-    }
-
-private:
-    int m_number;
-};
-
-bool WriteAll(int target, char const* bytes, size_t size) {
-    while (size > 0) {
-        ssize_t const written = ::write(target, bytes, size);
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return false;
-        bytes += written;
-        size -= static_cast<size_t>(written);
-    }
-    return true;
-}
-
-bool CopyBytes(std::string const& source, Descriptor& out) {
-    Descriptor const in(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (in.Get() < 0) return false;
+bool CopyBytes(std::string const& source, FileDescriptor& out) {
+    FileDescriptor const in = tolbase::OpenRegularFile(source);
+    if (!in.IsOk()) return false;
     std::vector<char> block(kCopyBlock);
-    for (;;) {
-        ssize_t const count = ::read(in.Get(), block.data(), block.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return false;
-        if (count == 0) return out.Close();
-        if (!WriteAll(out.Get(), block.data(), static_cast<size_t>(count))) return false;
+    ssize_t got = 0;
+    while ((got = tolbase::ReadBlock(in.Get(), block.data(), block.size())) > 0) {
+        if (!tolbase::WriteWhole(out.Get(), block.data(), static_cast<size_t>(got))) return false;
     }
+    return got == 0 && out.Close();
 }
 
 }  // namespace
@@ -227,8 +194,8 @@ void OrvContext::CopyToCache(wxString const& source, wxString const& copy) const
     if (filtercache::IsLink(folder) || !CreateDirIfNotExists(folder)) return;
     // Its name is short whatever the file's own length, and no other process has it.
     std::string temporary;
-    Descriptor target(filtercache::CreateCopyFile(PathToBytes(folder), temporary));
-    if (target.Get() < 0) return;
+    FileDescriptor target(filtercache::CreateCopyFile(PathToBytes(folder), temporary));
+    if (!target.IsOk()) return;
     if (!CopyBytes(PathToBytes(source), target) || std::rename(temporary.c_str(), PathToBytes(copy).c_str()) != 0) {
         std::remove(temporary.c_str());
     }

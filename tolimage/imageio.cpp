@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tolimage/imageio.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,6 +13,7 @@
 #include "tolbase/bytereader.h"
 #include "tolbase/exception.h"
 #include "tolbase/file.h"
+#include "tolbase/filebytes.h"
 #include "tolbase/largepages.h"
 #include "tolbase/limits.h"
 #include "tolimage/codec.h"
@@ -85,24 +85,10 @@ struct FileBytes {
     ByteView View() const { return ByteView(data.get(), size); }
 };
 
-class Descriptor {
-public:
-    explicit Descriptor(std::string const& path) : m_value(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
-    ~Descriptor() {
-        if (m_value >= 0) close(m_value);
-    }
-    Descriptor(Descriptor const&) = delete;
-    Descriptor& operator=(Descriptor const&) = delete;
-    int Get() const { return m_value; }
-
-private:
-    int m_value;
-};
-
 FileBytes ReadWhole(wxString const& path) {
-    const Descriptor file(PathToBytes(path));
+    const tolbase::FileDescriptor file = tolbase::OpenRegularFile(PathToBytes(path));
     struct stat info {};
-    if (path.empty() || file.Get() < 0 || fstat(file.Get(), &info) != 0 || !S_ISREG(info.st_mode)) {
+    if (!file.IsOk() || fstat(file.Get(), &info) != 0) {
         throw TolException(__FILE__, __LINE__, ExceptionGeneral, TolErrorMessage,
                            "Unreadable: the file is missing, can't be opened or is no regular file");
     }

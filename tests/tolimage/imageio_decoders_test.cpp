@@ -14,22 +14,12 @@ using namespace pictures;
 
 namespace {
 
-class ImageDecoders : public ::testing::Test {
-protected:
-    Image Load(std::string const& bytes, bool asStored = false) {
-        return Image(tcvLoadImage(support::WriteBytes(dir / "picture.bin", bytes), true, asStored));
-    }
-    ImageProbe Probe(std::string const& bytes) {
-        return tcvProbeImage(support::WriteBytes(dir / "picture.bin", bytes));
-    }
-    support::TempDir dir;
-};
-
-class BmpDecoder : public ImageDecoders {};
-class TgaDecoder : public ImageDecoders {};
-class TiffDecoder : public ImageDecoders {};
-class WebPDecoder : public ImageDecoders {};
-class HeifDecoder : public ImageDecoders {};
+class ImageDecoders : public PictureFiles {};
+class BmpDecoder : public PictureFiles {};
+class TgaDecoder : public PictureFiles {};
+class TiffDecoder : public PictureFiles {};
+class WebPDecoder : public PictureFiles {};
+class HeifDecoder : public PictureFiles {};
 
 // A row as text: "b,g,r b,g,r", or the grey values.
 std::string Row(Image& image, int y) {

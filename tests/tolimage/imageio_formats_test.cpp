@@ -7,16 +7,7 @@ using namespace pictures;
 
 namespace {
 
-class ImageFormats : public ::testing::Test {
-protected:
-    Image Load(std::string const& bytes, bool asStored = false) {
-        return Image(tcvLoadImage(support::WriteBytes(dir / "picture.bin", bytes), true, asStored));
-    }
-    ImageProbe Probe(std::string const& bytes) {
-        return tcvProbeImage(support::WriteBytes(dir / "picture.bin", bytes));
-    }
-    support::TempDir dir;
-};
+class ImageFormats : public PictureFiles {};
 
 int At(Image& image, int x, int y, int channel) {
     return image.Data()[image.Step() * y + x * image.Channels() + channel];

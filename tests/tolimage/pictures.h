@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Pictures and small files of many formats, made by hand, for the tests of this library.
 #pragma once
+#include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <wx/string.h>
@@ -138,5 +139,17 @@ inline std::string Tiff(int width, int height, int bits, int samples, int photom
     file.resize(start, '\0');
     return file + pixels;
 }
+
+// A folder to load such files from.
+class PictureFiles : public ::testing::Test {
+protected:
+    Image Load(std::string const& bytes, bool asStored = false) {
+        return Image(tcvLoadImage(support::WriteBytes(dir / "picture.bin", bytes), true, asStored));
+    }
+    ImageProbe Probe(std::string const& bytes) {
+        return tcvProbeImage(support::WriteBytes(dir / "picture.bin", bytes));
+    }
+    support::TempDir dir;
+};
 
 }  // namespace pictures

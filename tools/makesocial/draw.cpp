@@ -51,12 +51,11 @@ Samples InTurnOfOneCollection(Samples const& samples) {
 
 // See Draw: each time the one that adds most to what those drawn before it cover.
 Samples ByCover(Samples const& samples, Nearness const& nearness) {
-    constexpr int kNeighbours = 3;       // that the classifier takes the mean of
     constexpr double kNoneWeight = 0.6;  // of a file from no platform against one of the platform
     constexpr double kCovered = 0.01;    // what one that is covered already still counts
     std::vector<Alike> alike;
     for (Sample const* sample : samples) alike.push_back(nearness.FindAlike(*sample));
-    std::map<size_t, int> covered;
+    std::map<size_t, size_t> covered;
     auto const worth = [&](size_t place) { return covered[place] < kNeighbours ? 1 : kCovered; };
     std::vector<bool> isDrawn(samples.size(), false);
     Samples drawn;

@@ -10,7 +10,6 @@ namespace makesocial {
 namespace {
 
 constexpr size_t kFilesPerRank = 500;
-constexpr size_t kNeighbours = 3;  // that the classifier takes the mean of
 
 std::array<double, kElements> Numbers(Data const& data, Sample const& sample) {
     std::array<double, kElements> numbers;

@@ -13,7 +13,8 @@
 namespace makesocial {
 
 constexpr size_t kElements = 48;
-// The mean similarity from which the classifier names a platform.
+// The classifier names a platform where the mean similarity of so many nearest records is at least this.
+constexpr size_t kNeighbours = 3;
 constexpr double kThreshold = 0.99;
 
 // Similarities from 0 to 1.
