@@ -47,7 +47,11 @@ function(orv_shared target)
     VERSION ${PROJECT_VERSION} SOVERSION ${ORVELLE_ABI}
     INSTALL_RPATH "$ORIGIN")
   target_link_libraries(${target} PRIVATE ${external} orv_compile ${shared_LINK})
-  target_link_options(${target} PRIVATE -Wl,--no-undefined -Wl,--as-needed)
+  target_link_options(${target} PRIVATE -Wl,--as-needed)
+  if(NOT (ORVELLE_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang"))
+    # Clang links a sanitizer's runtime with programs only.
+    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+  endif()
   target_link_libraries(${target} INTERFACE "$<BUILD_INTERFACE:orv_compile>" "$<BUILD_INTERFACE:wx::core>"
     "$<BUILD_INTERFACE:wx::net>" "$<BUILD_INTERFACE:wx::base>" "$<BUILD_INTERFACE:cv::core>"
     "$<BUILD_INTERFACE:cv::imgproc>" "$<BUILD_INTERFACE:Boost::headers>")
