@@ -34,6 +34,10 @@ std::string EndingOf(std::string const& path) {
     return ending;
 }
 
+bool IsPage(std::string const& path) {
+    return EndingOf(path).compare(0, 4, ".htm") == 0;
+}
+
 bool Exists(std::string const& path) {
     struct stat status = {};
     return lstat(path.c_str(), &status) == 0;
@@ -76,6 +80,7 @@ public:
             throw Failure(ExitUsage, "--output",
                           "is missing: the report, or with --no-report the folder of the results");
         }
+        environment.isForPeople = !m_statusOnly && !m_noReport && IsPage(m_output.path);
         Session session(environment);
         m_batch.Apply(session);
         FindFiles(session, environment);
@@ -151,7 +156,7 @@ private:
         manifest = absolute + ".manifest.json";
         if (std::filesystem::is_directory(absolute)) throw Failure(ExitOutput, m_output.path, "is a folder");
         const std::string ending = EndingOf(absolute);
-        if (ending.compare(0, 4, ".htm") != 0 && ending != ".tsv" && ending != ".txt") {
+        if (!IsPage(absolute) && ending != ".tsv" && ending != ".txt") {
             environment.terminal.Warning(m_output.path, "the report is written as tab-separated text");
         }
     }

@@ -114,6 +114,7 @@ private:
     }
 
     ExitCode Report(Environment& environment) {
+        environment.isForPeople = true;
         Session session(environment);
         const ProjectFile file(m_path);
         ExitCode code = ExitDone;

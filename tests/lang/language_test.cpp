@@ -37,6 +37,41 @@ TEST_F(GermanProgram, Comparison_KeepsTheMarksInFront) {
     EXPECT_TRUE(Contains(table, "Unterschiede: ")) << table;
 }
 
+TEST_F(GermanProgram, PageOfABatch_IsGermanAndItsManifestEnglish) {
+    const std::string page = Folder() + "/out/r.html";
+    EXPECT_EQ(
+        0, Orvelle({"batch", "--filter", "File Format", "--filter", "Error Level Analysis", "-o", page, Photo("a.jpg")})
+               .status);
+    const std::string report = clitest::ReadFile(page);
+    EXPECT_TRUE(Contains(report, "Anzahl der Kanäle")) << report;
+    EXPECT_TRUE(Contains(report, "Fehlerpegelanalyse")) << report;
+    EXPECT_FALSE(Contains(report, "Number of Channels")) << report;
+    const std::string manifest = clitest::ReadFile(page + ".manifest.json");
+    EXPECT_TRUE(Contains(manifest, "\"File Format\"")) << manifest;
+    // What is kept of a German run is shown in English to programs.
+    const std::string table = Orvelle({"filter", "File Format", Photo("a.jpg"), "--format", "json"}).out;
+    EXPECT_TRUE(Contains(table, "Number of Channels")) << table;
+    EXPECT_FALSE(Contains(table, "Kan")) << table;
+}
+
+TEST_F(GermanProgram, PageOfAProject_IsGerman) {
+    const std::string project = Folder() + "/case.orv";
+    ASSERT_EQ(0, Orvelle({"project", "new", project}).status);
+    ASSERT_EQ(
+        0,
+        Orvelle({"bookmark", "add", project, "--filter", "Error Level Analysis", "--evidence", Photo("a.jpg")}).status);
+    EXPECT_EQ(0, Orvelle({"project", "report", project, "-o", Folder() + "/case.html"}).status);
+    const std::string page = clitest::ReadFile(Folder() + "/case.html");
+    EXPECT_TRUE(Contains(page, "Orvelle: Bericht")) << page;
+    EXPECT_TRUE(Contains(page, "Qualität")) << page;
+}
+
+TEST_F(GermanProgram, BatchAsTabSeparatedText_StaysEnglish) {
+    const std::string report = Folder() + "/out/r.tsv";
+    EXPECT_EQ(0, Orvelle({"batch", "--filter", "File Format", "-o", report, Photo("a.jpg")}).status);
+    EXPECT_TRUE(Contains(clitest::ReadFile(report), "File Format")) << clitest::ReadFile(report);
+}
+
 TEST_F(GermanProgram, FormatsForPrograms_StayEnglish) {
     const std::string photo = Photo("a.jpg");
     for (char const* const format : {"csv", "tsv", "ssv", "jsonl"}) {
