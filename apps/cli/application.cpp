@@ -57,6 +57,7 @@ Application::Application(Terminal& terminal) {
     char** none = nullptr;
     if (!wxEntryStart(count, none)) throw Failure(ExitInternal, "", "wxWidgets can't be started");
     FixLocale();
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): wxWidgets deletes it at its end
     delete wxLog::SetActiveTarget(new TerminalLog);
     wxSetAssertHandler(OnAssert);
     TolSetMessageHandler([&terminal](wxString const& message, wxString const& title) {

@@ -492,3 +492,18 @@ TEST_F(CacheSafety, PicturesThatPngKeeps_ComeBackTheSame) {
         }
     }
 }
+
+TEST(CacheFiles, Removal_IsTrueWhereNothingStandsAfterwards) {
+    support::TempDir const folder;
+    WriteBytes(folder / "file", "x");
+    EXPECT_TRUE(filtercache::RemoveFile(folder / "file"));
+    EXPECT_FALSE(wxFileExists(folder / "file"));
+    EXPECT_TRUE(filtercache::RemoveFile(folder / "file"));
+    EXPECT_TRUE(filtercache::RemoveFile(folder / "none/file"));
+    // A name that no file can have.
+    EXPECT_TRUE(filtercache::RemoveFile(folder / wxString('n', 256)));
+    // What stands behind a link that leads to itself can't be known.
+    fs::create_symlink("loop", std::string((folder / "loop").utf8_str()));
+    EXPECT_FALSE(filtercache::RemoveFile(folder / "loop/file"));
+    EXPECT_TRUE(filtercache::RemoveFile(folder / "loop"));
+}

@@ -113,6 +113,17 @@ TEST(SocialMediaSignature, SecondTableOfOneRow_CountsAsAbsent) {
     EXPECT_EQ(Part(OfTables({Rows(3), Rows(5), {}}).GetFeature(), 40, 8), std::vector<int>(8, 5));
 }
 
+TEST(SocialMediaSignature, SecondTableThatEndsEarly_GivesWhatItHas) {
+    // The first eight places of the zigzag are 0, 1, 8, 16, 9, 2, 3 and 10; two rows hold the places up to 15.
+    std::vector<int> const feature = OfTables({Rows(3), Rows(5, 2), {}}).GetFeature();
+    ASSERT_EQ(feature.size(), 47u);
+    EXPECT_EQ(Part(feature, 40, 7), std::vector<int>(7, 5));
+    // A row that ends early ends the table.
+    std::vector<std::vector<int>> ragged = Rows(5);
+    ragged[0].resize(1);
+    EXPECT_EQ(OfTables({Rows(3), ragged, {}}).GetFeature().size(), 41u);
+}
+
 TEST(SocialMediaSignature, RestartMarkers_DoNotCount) {
     TempDir dir;
     EXPECT_EQ(OfFile(WriteBytes(dir / "a.jpg", Jpeg(0))).GetFeature(),

@@ -90,6 +90,11 @@ TEST_F(SubImages, PreviewCutOverSegments_IsJoined) {
     EXPECT_EQ(std::vector<int>{48}, Widths());
 }
 
+TEST_F(SubImages, WholePictureBeforeASegmentOfItsKind_IsTakenOnce) {
+    Save(With(JpegBuilder().App(2, EncodeJpeg(24, 16)).App(2, "more").App(3, "other").Build()));
+    EXPECT_EQ(std::vector<int>{24}, Widths());
+}
+
 TEST_F(SubImages, BrokenOnes_AreSkipped) {
     const std::string whole = EncodeJpeg(16, 16);
     JpegBuilder segments;
