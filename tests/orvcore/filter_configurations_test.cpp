@@ -235,6 +235,9 @@ TEST(ConfigurationList, IsEnabled_OutsideTheListIsThatOfTheFirst) {
     EXPECT_FALSE(filter.IsConfigurationEnabled(-1));
     EXPECT_FALSE(filter.IsConfigurationEnabled(2));
     EXPECT_TRUE(filter.IsConfigurationEnabled(1));
+    filter.EnableConfiguration(0, true);
+    EXPECT_TRUE(filter.IsConfigurationEnabled(-1));
+    EXPECT_TRUE(filter.IsConfigurationEnabled(2));
 }
 
 namespace {

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "orvcore/optionnumbers.h"
 #include "tests/orvcore/photos.h"
 #include "tests/orvcore/recordingfilter.h"
 #include "tolbase/limits.h"
@@ -206,6 +207,18 @@ TEST_F(Actions, SubfolderOption_DecidesHowDeepAFolderIsSearched) {
         OnWorker([&] { context->SetProgramOptions(options); });
         EXPECT_EQ(2U + static_cast<size_t>(setting), TableOf(Call(OrvActionBatchTable, {Text(dir / "in")})).size());
     }
+}
+
+TEST_F(Actions, OptionsThatEndBeforeSubfolders_SearchNone) {
+    Jpeg("a.jpg");
+    Jpeg("deep/b.jpg");
+    VecVecParameter options = context->GetProgramOptions();
+    options[0].Find("Search Subfolders for Batch File Format")->Set(boost::any(1));
+    options[0].resize(OrvOptionSearchSubfolders);
+    OnWorker([&] { context->SetProgramOptions(options); });
+    EXPECT_EQ(2U, TableOf(Call(OrvActionBatchTable, {Text(dir / "in")})).size());
+    OnWorker([&] { context->SetProgramOptions({}); });
+    EXPECT_EQ(2U, TableOf(Call(OrvActionBatchTable, {Text(dir / "in")})).size());
 }
 
 TEST_F(Actions, BatchTable_WritesItsFileAndMovesFiles) {

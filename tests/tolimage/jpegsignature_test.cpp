@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 
@@ -205,6 +206,28 @@ TEST(JpegSignatures, IjgTables_AreStandardAndSoftware) {
     EXPECT_EQ(VecString{"IJG library, quality 75"}, s.standard);
     EXPECT_TRUE(Has(s.software, "IJG library, Quality 75"));
     EXPECT_TRUE(s.softwareFound);
+}
+
+TEST(JpegSignatures, IjgTablesOfSixteenBits_AreStandard) {
+    // Quality 10 takes the luma table of ISO/IEC 10918-1, annex K.1, five times; of bytes no step exceeds 255.
+    std::vector<std::vector<int>> rows = {{16, 11, 10, 16, 24, 40, 51, 61},     {12, 12, 14, 19, 26, 58, 60, 55},
+                                          {14, 13, 16, 24, 40, 57, 69, 56},     {14, 17, 22, 29, 51, 87, 80, 62},
+                                          {18, 22, 37, 56, 68, 109, 103, 77},   {24, 35, 55, 64, 81, 104, 113, 92},
+                                          {49, 64, 78, 87, 103, 121, 120, 101}, {72, 92, 95, 98, 112, 100, 103, 99}};
+    for (std::vector<int>& row : rows) {
+        for (int& value : row) value *= 5;
+    }
+    JpegInfo grey;
+    grey.ColorSpace = "Grayscale";
+    grey.QuantizationTables = {rows, {}, {}};
+    EXPECT_EQ(VecString{"IJG library, quality 10"}, Internal(grey).standard);
+    // The last step alone is within a byte: the others still need sixteen bits.
+    grey.QuantizationTables[0][7][7] = 255;
+    EXPECT_TRUE(Internal(grey).standard.empty());
+    for (std::vector<int>& row : grey.QuantizationTables[0]) {
+        for (int& value : row) value = std::min(value, 255);
+    }
+    EXPECT_EQ(VecString{"IJG library, quality 10"}, Internal(grey).standard);
 }
 
 TEST(JpegSignatures, LumaTableAlone_IsStandardForGreyOnly) {
