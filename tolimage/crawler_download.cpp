@@ -59,14 +59,18 @@ bool StartsWith(std::string const& bytes, std::string const& start) {
     return bytes.compare(0, start.size(), start) == 0;
 }
 
+bool HasAt(std::string const& bytes, std::size_t at, std::string const& text) {
+    return bytes.size() >= at && bytes.compare(at, text.size(), text) == 0;
+}
+
 // By the first bytes; "bin" for what is none of these.
 wxString ExtensionOfBytes(std::string const& head) {
     if (StartsWith(head, "\xFF\xD8\xFF")) return "jpg";
     if (StartsWith(head, "\x89PNG")) return "png";
     if (StartsWith(head, "GIF8")) return "gif";
     if (StartsWith(head, std::string("II*\0", 4)) || StartsWith(head, std::string("MM\0*", 4))) return "tif";
-    if (StartsWith(head, "RIFF") && head.compare(8, 4, "WEBP") == 0) return "webp";
-    if (head.size() >= 12 && head.compare(4, 5, "ftyph") == 0) return "heic";
+    if (StartsWith(head, "RIFF") && HasAt(head, 8, "WEBP")) return "webp";
+    if (HasAt(head, 4, "ftyph")) return "heic";
     return "bin";
 }
 

@@ -4,6 +4,7 @@
 #include <wx/app.h>
 #include <wx/init.h>
 #include <wx/log.h>
+#include <wx/translation.h>
 
 #include <clocale>
 #include <exception>
@@ -57,6 +58,9 @@ Application::Application(Terminal& terminal) {
     char** none = nullptr;
     if (!wxEntryStart(count, none)) throw Failure(ExitInternal, "", "wxWidgets can't be started");
     FixLocale();
+    // What wxWidgets keeps for it is made before there is a second thread: a sanitizer can't see how it is guarded
+    // later.
+    wxTranslations::GetUntranslatedString(wxString());
     // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): wxWidgets deletes it at its end
     delete wxLog::SetActiveTarget(new TerminalLog);
     wxSetAssertHandler(OnAssert);

@@ -222,7 +222,8 @@ TEST_F(Filter, PostProcessingThatCantStand_IsTold) {
 TEST_F(Filter, Cache_ChangesNoByte) {
     const std::string photo = Photo("a.jpg");
     std::vector<std::string> names;
-    for (json const& filter : json::parse(Orvelle({"filters", "--format", "json"}).out).at("filters")) {
+    json const list = json::parse(Orvelle({"filters", "--format", "json"}).out);
+    for (json const& filter : list.at("filters")) {
         names.push_back(filter.at("name"));
     }
     for (std::string const& name : names) {

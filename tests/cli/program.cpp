@@ -12,6 +12,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "tests/support/gate.h"
+
 extern char** environ;
 
 namespace clitest {
@@ -76,11 +78,13 @@ Ended RunProgram(std::string const& program, std::vector<std::string> const& arg
     if (surroundings.closeOutput) posix_spawn_file_actions_addclose(&actions, 1);
     posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY, 0);
     pid_t process = -1;
+    support::PassGate();
     const int failed =
         posix_spawnp(&process, program.c_str(), &actions, nullptr, Pointers(texts).data(), Pointers(variables).data());
     posix_spawn_file_actions_destroy(&actions);
     Ended ended;
     if (failed == 0) ended.status = StatusOf(process);
+    support::PassGate();
     ended.out = Take(out);
     ended.err = Take(err);
     unlink(in.c_str());

@@ -20,6 +20,8 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/gate.h"
+
 namespace support {
 
 struct WebReply {
@@ -193,7 +195,9 @@ private:
             m_all.push_back(request);
         }
         ++m_requests;
+        PassGate();
         const WebReply reply = m_handler(request);
+        PassGate();
         for (auto waited = std::chrono::milliseconds(0); waited < reply.delay && !m_stop; waited += Tick())
             std::this_thread::sleep_for(Tick());
         bool open = wire.Write(reply.bytes);

@@ -76,6 +76,21 @@ TEST_F(Download, LinkWithoutExtension_GetsThatOfTheBytes) {
     EXPECT_EQ(dir / "d/3.bin", file);
 }
 
+TEST_F(Download, ExtensionOfTheBytes_IsThatOfTheirKind) {
+    using namespace std::string_literals;
+    std::vector<std::pair<std::string, wxString>> const kinds = {
+        {"GIF89a", "gif"},        {"II*\0\1\1\1\1"s, "tif"}, {"MM\0*\1\1\1\1"s, "tif"}, {"MM*\0\1\1\1\1"s, "bin"},
+        {"RIFF1234WEBP", "webp"}, {"RIFF1234WAVE", "bin"},   {"RIFF", "bin"},           {"RIFF1234", "bin"},
+        {"RIFF1234WEB", "bin"},   {"1234ftypheic", "heic"},  {"1234ftyphevc", "heic"},  {"1234ftypavif", "bin"},
+        {"1234", "bin"},          {"1234ftyp", "bin"},       {"\xFF\xD8", "bin"}};
+    for (auto const& [bytes, extension] : kinds) {
+        std::string const answer = HttpAnswer("200 OK", bytes);
+        std::filesystem::remove_all(folder.ToStdString());
+        EXPECT_EQ("", FetchFrom([&answer](auto const&) { return WebReply(answer); }, "id", "/picture")) << bytes;
+        EXPECT_EQ(dir / "d/id." + extension, file) << bytes;
+    }
+}
+
 TEST_F(Download, HostileIds_StayInTheFolder) {
     std::vector<std::pair<wxString, wxString>> const names = {
         {"../../up", "d/___.._up.jpg"}, {"/etc/passwd", "d/_etc_passwd.jpg"}, {"..", "d/__.jpg"}, {"", "d/_.jpg"},
