@@ -59,6 +59,13 @@ TEST_F(ResultReport, Height_IsCutAndNeverZero) {
     EXPECT_EQ(Sized(wxSize(100, 1), 100), BatchSize(3000, 1, 100, 0));
 }
 
+TEST_F(ResultReport, HeightThatComesOutALittleShort_IsCutUnderALimitAlone) {
+    // In doubles 2 / (2 / 93) is a little below 93.
+    EXPECT_EQ(Sized(wxSize(2, 93), 2), BatchSize(2, 93, 0, 0));
+    EXPECT_EQ(Sized(wxSize(2, 92), 2), BatchSize(2, 93, 0, 1));
+    EXPECT_EQ(Sized(wxSize(2, 92), 2), BatchSize(2, 93, 100, 0));
+}
+
 TEST_F(ResultReport, NoPicture_LeavesNoFileAndNoImage) {
     ImageFilter filter("Filter");
     filter.SaveOutputBatch(dir / "r.png");
