@@ -143,6 +143,15 @@ TEST_F(MapViewTest, GoogleFailures_AreToldByTheResult) {
     EXPECT_FALSE(wxFileExists(stem + "google.html"));
 }
 
+TEST_F(MapViewTest, GoogleRefusal_IsToldInItsOwnWords) {
+    answer = HttpAnswer("403 Forbidden", "{\"error\":{\"message\":\"No such key.\"}}");
+    EXPECT_EQ(-1, MapView::ShowGoogleFileSearch(picture, stem, ""));
+    EXPECT_EQ("Google: No such key.", MapView::GetLastProblem());
+    answer = HttpAnswer("403 Forbidden", "no");
+    EXPECT_EQ(-1, MapView::ShowGoogleFileSearch(picture, stem, ""));
+    EXPECT_TRUE(MapView::GetLastProblem().Contains("403")) << MapView::GetLastProblem();
+}
+
 TEST_F(MapViewTest, PageThatCannotBeWritten_IsAFailure) {
     answer = HttpAnswer("200 OK", "{\"responses\":[{}]}");
     support::WriteBytes(dir / "out", "a file where the folder should be");
