@@ -40,7 +40,8 @@ double TrendAt(std::vector<double> const& sums, int place) {
     double weights = 0.0;
     for (int i = -reach; i <= reach; ++i) {
         double const weight = 1.0 - static_cast<double>(std::abs(i)) / (reach + 1);
-        sum += weight * sums[static_cast<size_t>(place + i)];
+        int const at = place + i;
+        sum += weight * sums[static_cast<size_t>(at)];
         weights += weight;
     }
     return sum / weights;
@@ -74,7 +75,8 @@ double StrengthAt(std::vector<double> const& residual, double period) {
 std::vector<float> CountCoefficients(std::vector<int16_t> const& values, int reach) {
     std::vector<uint64_t> counts(static_cast<size_t>(2 * reach + 1));
     for (int16_t const value : values) {
-        if (value >= -reach && value <= reach) ++counts[static_cast<size_t>(value + reach)];
+        int const at = value + reach;
+        if (value >= -reach && value <= reach) ++counts[static_cast<size_t>(at)];
     }
     std::vector<float> result;
     for (uint64_t const count : counts) result.push_back(static_cast<float>(count));
@@ -86,7 +88,9 @@ CoefficientPeriod FindCoefficientPeriod(std::vector<float> const& counts) {
     CoefficientPeriod strongest;
     if (residual.size() < kFewestValues) return strongest;
     double const steps = kOversampling * static_cast<double>(residual.size());
-    for (double step = std::ceil(steps / kLargestPeriod); step <= steps / kSmallestPeriod; step += 1.0) {
+    int const first = static_cast<int>(std::ceil(steps / kLargestPeriod));
+    int const last = static_cast<int>(std::floor(steps / kSmallestPeriod));
+    for (int step = first; step <= last; ++step) {
         double const strength = StrengthAt(residual, steps / step);
         if (strength > strongest.strength) strongest = {strength, steps / step};
     }

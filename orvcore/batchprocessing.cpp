@@ -136,7 +136,7 @@ wxString Guarded(Work work) {
         work();
         return {};
     } catch (TolException const& exception) {
-        const wxString message = exception.GetMessage();
+        wxString const& message = exception.GetMessage();
         return message.empty() ? wxString("Unknown exception") : message;
     } catch (std::exception const& exception) {
         return TextOf(exception);

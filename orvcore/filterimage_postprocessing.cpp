@@ -89,7 +89,8 @@ float CompressionPoint(Histogram const& histogram, float fifth) {
         below = last * ((dark - fifth) / last);
     }
     if (j < 255) {
-        auto const last = static_cast<float>(histogram[static_cast<size_t>(j + 1)]);
+        int const next = j + 1;
+        auto const last = static_cast<float>(histogram[static_cast<size_t>(next)]);
         above = ((bright - fifth) / last) * last;
     }
     float count = below + above;

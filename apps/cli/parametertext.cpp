@@ -18,7 +18,7 @@ namespace {
 wxString Plain(wxString const& name) {
     wxString plain;
     for (const wxUniChar c : name.Lower()) {
-        if (c != ' ' && c != '_' && c != '-') plain += c;
+        if (wxString(" _-").Find(c) == wxNOT_FOUND) plain += c;
     }
     return plain;
 }

@@ -75,7 +75,7 @@ public:
 
 private:
     static std::string Path(CLI::App const* app) {
-        const std::string name = app->get_name();
+        std::string const& name = app->get_name();
         return app->get_parent() == nullptr ? name : Path(app->get_parent()) + " " + name;
     }
 
