@@ -43,8 +43,9 @@ DimpleMap Shift(DimpleMap const& map, size_t offset) {
 // The cosine of that frequency at the place, without its scale.
 double Cosine(size_t place, size_t u, size_t v) {
     const double step = std::acos(-1.0) / 16;
+    const size_t row = place / kSide;
     const auto x = static_cast<double>(place % kSide);
-    const auto y = static_cast<double>(place / kSide);
+    const auto y = static_cast<double>(row);
     return std::cos((2 * x + 1) * static_cast<double>(u) * step) *
            std::cos((2 * y + 1) * static_cast<double>(v) * step);
 }
@@ -76,7 +77,8 @@ DimpleMap SinglePixel() {
 std::vector<DimpleMap> CornerPatterns() {
     std::vector<DimpleMap> patterns(1);
     for (size_t place = 0; place < patterns[0].size(); ++place) {
-        patterns[0][place] = (static_cast<double>(place % kSide) - 3.5) * (static_cast<double>(place / kSide) - 3.5);
+        const size_t row = place / kSide;
+        patterns[0][place] = (static_cast<double>(place % kSide) - 3.5) * (static_cast<double>(row) - 3.5);
     }
     constexpr std::array<std::array<size_t, 2>, 6> lowest = {{{1, 1}, {1, 2}, {2, 1}, {2, 2}, {1, 3}, {3, 1}}};
     for (auto const& [u, v] : lowest) {
@@ -152,7 +154,7 @@ DimpleMap MixedDifference(DimpleMap const& map) {
 DimpleFit FitDimples(DimpleMap const& map) {
     DimpleFit best;
     double mostExplained = -1;
-    DimpleMap const* bestPattern = nullptr;
+    DimpleMap const* bestPattern = &AllPatterns().dimples.front();
     DimpleMap bestRest{};
     for (size_t offset = 0; offset < map.size(); ++offset) {
         DimpleMap rest = Shift(map, offset);
