@@ -76,7 +76,7 @@ bool JpegWalker::NextInScan(JpegSegment& segment) {
             return End("ends within a scan");
         }
         const int code = m_view.At(at + 1);
-        if (code == 0) {
+        if (code == 0) {  // NOLINT(bugprone-branch-clone): a stuffed byte is another thing than damage
             at += 2;
         } else if (code == kFill) {
             ++at;
