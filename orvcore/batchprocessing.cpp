@@ -445,6 +445,10 @@ wxString BatchRun::Finish() {
 
 }  // namespace
 
+bool OrvIsHtmlReport(wxString const& path) {
+    return GetFilenameNoPath(path).Lower().AfterLast('.').StartsWith("htm");
+}
+
 wxString OrvBatchProcessing(VecParameter const& parameters, bool griffeyeMode,
                             std::map<wxString, wxString> const& fileMap,
                             TolJsonAlg::GriffeyeOrvBatchReportsMap& reports, OrvBatchMonitor* monitor) {

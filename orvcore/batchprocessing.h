@@ -43,6 +43,10 @@ struct OrvBatchMonitor {
     wxString failure;  // why output folder or report could not be written; empty if nothing failed
 };
 
+// Whether a report at this path is HTML: the ending of its name, or the whole name without a point, begins with "htm"
+// in any case.
+ORV_API bool OrvIsHtmlReport(wxString const& path);
+
 // Runs a batch. The parameters, by position:
 //   0  int: 0 the Evidence, 1 its file list, 2 the readable images of its folder and the folders beneath, 3 those of
 //   the
@@ -50,7 +54,7 @@ struct OrvBatchMonitor {
 //   1  int: 0 every filter in its enabled configurations, 1 the active filter in its enabled configurations, 2 the
 //      active filter with its present parameters
 //   2  int: 0 nothing is saved, 1 output files, 2 output files and a report
-//   3  text: the report's path; the output files go to its folder. HTML if the name's ending begins with "htm"
+//   3  text: the report's path, which tells its form; the output files go to its folder
 //   4  text or list, may be missing: a file, a folder, files joined by "|", or a list of files; all filters are then
 //   run
 // In plug-in mode `reports` gets an entry for each file, with its identifier from `fileMap` (empty where that lacks

@@ -55,10 +55,6 @@ wxString Fitting(wxString stem, wxString const& behind) {
 
 }  // namespace
 
-bool OrvIsHtmlReport(wxString const& path) {
-    return GetFilenameNoPath(path).Lower().AfterLast('.').StartsWith("htm");
-}
-
 wxString OrvBatchHtmlStart() {
     const wxString folder = GetAppDocumentsPath() + wxFILE_SEP_PATH + "report-style" + wxFILE_SEP_PATH;
     const AppVersion version = GetContext()->GetAppVersion();

@@ -11,9 +11,6 @@
 
 #include "tolbase/types.h"
 
-// True if the ending of the path's name, or the whole name without a point, begins with "htm" in any case.
-bool OrvIsHtmlReport(wxString const& path);
-
 // The page's start with the style inside, the head of the user's own and the facts on the program.
 wxString OrvBatchHtmlStart();
 // The heading of a file; `number` 0 gives none.

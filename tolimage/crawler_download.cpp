@@ -55,12 +55,12 @@ wxString ExtensionOfLink(wxString const& link) {
     return plain && extension.length() <= LongestExtension ? extension : wxString();
 }
 
-bool StartsWith(std::string const& bytes, std::string const& start) {
-    return bytes.compare(0, start.size(), start) == 0;
-}
-
 bool HasAt(std::string const& bytes, std::size_t at, std::string const& text) {
     return bytes.size() >= at && bytes.compare(at, text.size(), text) == 0;
+}
+
+bool StartsWith(std::string const& bytes, std::string const& start) {
+    return HasAt(bytes, 0, start);
 }
 
 // By the first bytes; "bin" for what is none of these.

@@ -58,8 +58,8 @@ Application::Application(Terminal& terminal) {
     char** none = nullptr;
     if (!wxEntryStart(count, none)) throw Failure(ExitInternal, "", "wxWidgets can't be started");
     FixLocale();
-    // What wxWidgets keeps for it is made before there is a second thread: a sanitizer can't see how it is guarded
-    // later.
+    // Makes wxWidgets' store of texts without a translation before there is a second thread: the thread sanitizer can't
+    // see how the library guards that.
     wxTranslations::GetUntranslatedString(wxString());
     // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): wxWidgets deletes it at its end
     delete wxLog::SetActiveTarget(new TerminalLog);

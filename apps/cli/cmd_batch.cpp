@@ -19,6 +19,7 @@
 #include "apps/cli/recordrun.h"
 #include "apps/cli/session.h"
 #include "apps/cli/text.h"
+#include "orvcore/batchprocessing.h"
 #include "orvcore/filterconfiguration.h"
 #include "orvcore/reportstyle.h"
 #include "tolbase/file.h"
@@ -32,10 +33,6 @@ std::string EndingOf(std::string const& path) {
     std::transform(ending.begin(), ending.end(), ending.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return ending;
-}
-
-bool IsPage(std::string const& path) {
-    return EndingOf(path).compare(0, 4, ".htm") == 0;
 }
 
 bool Exists(std::string const& path) {
@@ -80,7 +77,7 @@ public:
             throw Failure(ExitUsage, "--output",
                           "is missing: the report, or with --no-report the folder of the results");
         }
-        environment.isForPeople = !m_statusOnly && !m_noReport && IsPage(m_output.path);
+        environment.isForPeople = !m_statusOnly && !m_noReport && OrvIsHtmlReport(PathFromBytes(m_output.path));
         Session session(environment);
         m_batch.Apply(session);
         FindFiles(session, environment);
@@ -156,7 +153,7 @@ private:
         manifest = absolute + ".manifest.json";
         if (std::filesystem::is_directory(absolute)) throw Failure(ExitOutput, m_output.path, "is a folder");
         const std::string ending = EndingOf(absolute);
-        if (!IsPage(absolute) && ending != ".tsv" && ending != ".txt") {
+        if (!OrvIsHtmlReport(PathFromBytes(absolute)) && ending != ".tsv" && ending != ".txt") {
             environment.terminal.Warning(m_output.path, "the report is written as tab-separated text");
         }
     }

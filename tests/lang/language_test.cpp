@@ -69,7 +69,17 @@ TEST_F(GermanProgram, PageOfAProject_IsGerman) {
 TEST_F(GermanProgram, BatchAsTabSeparatedText_StaysEnglish) {
     const std::string report = Folder() + "/out/r.tsv";
     EXPECT_EQ(0, Orvelle({"batch", "--filter", "File Format", "-o", report, Photo("a.jpg")}).status);
-    EXPECT_TRUE(Contains(clitest::ReadFile(report), "File Format")) << clitest::ReadFile(report);
+    const std::string lines = clitest::ReadFile(report);
+    EXPECT_TRUE(Contains(lines, "\tFile Format\t")) << lines;
+    EXPECT_FALSE(Contains(lines, "Dateiformat")) << lines;
+}
+
+TEST_F(GermanProgram, ReportThatIsAPageByItsWholeName_IsGermanToo) {
+    const std::string report = Folder() + "/out/html";
+    const clitest::Ended ended = Orvelle({"batch", "--filter", "File Format", "-o", report, Photo("a.jpg")});
+    EXPECT_EQ(0, ended.status);
+    EXPECT_FALSE(Contains(ended.err, "tab-separated")) << ended.err;
+    EXPECT_TRUE(Contains(clitest::ReadFile(report), "Anzahl der Kanäle")) << clitest::ReadFile(report);
 }
 
 TEST_F(GermanProgram, FormatsForPrograms_StayEnglish) {

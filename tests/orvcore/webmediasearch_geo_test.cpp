@@ -30,6 +30,18 @@ Photo Placed(double accuracy) {
     return photo;
 }
 
+// The table of a search that finds one photograph, with the radius in a unit.
+VecVecString SearchForOne(FakeFlickr& flickr, int unit) {
+    flickr.photos.emplace_back();
+    flickr.photos[0].id = "11";
+    flickr.photos[0].place = "\"latitude\":45.51,\"longitude\":9.26,\"accuracy\":16,";
+    VecParameter params = GeoParameters(5, unit);
+    wxString error;
+    VecVecString table = SearchGeoTagImage(params, 2, error);
+    EXPECT_EQ("", error);
+    return table;
+}
+
 }  // namespace
 
 TEST(GeoTable, Kilometres_AreGivenAsTheyAre) {
@@ -56,13 +68,8 @@ TEST(GeoTable, NoPhotograph_GivesNoHeader) {
 
 TEST(GeoSearch, Parameters_GoToTheService) {
     FakeFlickr flickr;
-    flickr.photos.emplace_back();
-    flickr.photos[0].id = "11";
-    flickr.photos[0].place = "\"latitude\":45.51,\"longitude\":9.26,\"accuracy\":16,";
-    VecParameter params = GeoParameters(5, 0);
-    wxString error;
-    VecVecString const table = SearchGeoTagImage(params, 2, error);
-    ASSERT_EQ(2U, table.size()) << error;
+    VecVecString const table = SearchForOne(flickr, 0);
+    ASSERT_EQ(2U, table.size());
     EXPECT_EQ(
         (VecString{"1", "11", "4000x3000", "45.510000, 9.260000", "0.611496", "https://photos.example.org/11_o.jpg"}),
         table[1]);
@@ -84,13 +91,8 @@ TEST(GeoSearch, UnitOtherThanZero_IsMiles) {
 
 TEST(GeoSearch, AccuracyInMiles_IsConvertedOnce) {
     FakeFlickr flickr;
-    flickr.photos.emplace_back();
-    flickr.photos[0].id = "11";
-    flickr.photos[0].place = "\"latitude\":45.51,\"longitude\":9.26,\"accuracy\":16,";
-    VecParameter params = GeoParameters(5, 1);
-    wxString error;
-    VecVecString const table = SearchGeoTagImage(params, 2, error);
-    ASSERT_EQ(2U, table.size()) << error;
+    VecVecString const table = SearchForOne(flickr, 1);
+    ASSERT_EQ(2U, table.size());
     EXPECT_EQ("Accuracy in mi", table[0][4]);
     EXPECT_EQ("0.379966", table[1][4]);
 }
